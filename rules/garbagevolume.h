@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+
+// What a node and everything below it has found: sizes in bytes, counts in items. Hosts read it through the getters;
+// only the thread of a running gather or clean changes it, without a lock, so read it between runs or from a
+// notification.
+class CGarbageVolume {
+public:
+    // Highest value of the stage, which GetExtraCount returns: 0 reset, 1 gathering, 2 gathered, 3 ready to clean,
+    // 4 cleaning, 5 cleaned.
+    static constexpr uint32_t kLastStage = 5;
+
+    virtual ~CGarbageVolume() = default;
+    // Bytes found, less the bytes reported as deleted.
+    virtual uint64_t GetTotalSize() noexcept { return TotalSize; }
+    // Bytes found and still to be cleaned.
+    virtual uint64_t GetPendingSize() noexcept { return PendingSize; }
+    // The node's stage in the job (see kLastStage).
+    virtual uint32_t GetExtraCount() noexcept { return ExtraCount; }
+    // Items found, less the items reported as deleted.
+    virtual uint32_t GetTotalCount() noexcept { return TotalCount; }
+    // Items found and still to be cleaned.
+    virtual uint32_t GetPendingCount() noexcept { return PendingCount; }
+    // Forgets what is pending; the totals stay as they are, on purpose.
+    virtual void ResetPending() noexcept {
+        PendingSize = 0;
+        PendingCount = 0;
+    }
+    // Told of a selection change of the node: whether anything is selected, the new state, null, and true. A hook that
+    // does nothing, on purpose; it keeps its place in the table.
+    virtual void OnSelection(bool /*selected*/, uint32_t /*state*/, void* /*reserved*/, bool /*alwaysTrue*/) noexcept {}
+
+    // The engine's own operations on the counters. Hosts do not call these.
+
+    // Zeroes sizes and counts; the stage stays.
+    void ZeroVolume() noexcept {
+        TotalSize = PendingSize = 0;
+        TotalCount = PendingCount = 0;
+    }
+    // Both sizes grow by the same value, on purpose.
+    void AddFound(uint64_t size) noexcept {
+        TotalCount += 1;
+        TotalSize += size;
+        PendingSize += size;
+        PendingCount += 1;
+    }
+    // Never goes below zero, on purpose: a removal may exceed what was found.
+    void TakeEmptied(uint64_t size, uint32_t count) noexcept {
+        TotalSize -= size < TotalSize ? size : TotalSize;
+        PendingSize -= size < PendingSize ? size : PendingSize;
+        TotalCount -= count < TotalCount ? count : TotalCount;
+        PendingCount -= count < PendingCount ? count : PendingCount;
+    }
+    // Wraps below zero and leaves the counts alone, on purpose, unlike TakeEmptied.
+    void SubtractSize(uint64_t size) noexcept {
+        TotalSize -= size;
+        PendingSize -= size;
+    }
+    // A stage of 5 or more stays as it is.
+    void AdvanceStage() noexcept {
+        if (ExtraCount < kLastStage) ++ExtraCount;
+    }
+    void StoreStage(uint32_t stage) noexcept { ExtraCount = stage; }
+
+protected:
+    uint64_t TotalSize = 0;
+    uint64_t PendingSize = 0;
+    uint32_t TotalCount = 0;
+    uint32_t PendingCount = 0;
+    uint32_t ExtraCount = 0;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <utility>
+
+// Owns one reference on a counted object and gives it up at the end of its scope.
+template <class T>
+class CReference {
+public:
+    CReference() noexcept = default;
+    // Adopts a reference that the caller already holds.
+    explicit CReference(T* adopted) noexcept : m_object(adopted) {}
+    // Takes a further reference on an object that somebody else holds.
+    static CReference Share(T* object) noexcept {
+        if (object) object->AddRef();
+        return CReference(object);
+    }
+
+    CReference(CReference&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    CReference& operator=(CReference&& other) noexcept {
+        CReference old(std::exchange(m_object, std::exchange(other.m_object, nullptr)));
+        return *this;
+    }
+    ~CReference() {
+        if (m_object) m_object->Release();
+    }
+
+    T* get() const noexcept { return m_object; }
+    T* operator->() const noexcept { return m_object; }
+    T& operator*() const noexcept { return *m_object; }
+    explicit operator bool() const noexcept { return m_object != nullptr; }
+
+private:
+    T* m_object = nullptr;
+};

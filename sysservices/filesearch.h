@@ -1,0 +1,38 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+
+// One FindFirstFileW/FindNextFileW enumeration, closed when it goes out of scope. The find data live on the heap, so
+// that thousands of open searches (one per level of a deep folder tree) cost no stack.
+//
+//     for (CFileSearch search(pattern); search; search.Next()) Use(search.Entry());
+class CFileSearch {
+public:
+    // Starts the search for `pattern`; test the object for whether anything was found. The thread's last error tells
+    // why not.
+    explicit CFileSearch(const wchar_t* pattern);
+    ~CFileSearch() { Close(); }
+    CFileSearch(CFileSearch&& other) noexcept;
+    CFileSearch& operator=(CFileSearch&&) = delete;
+
+    // True while Entry() holds an entry.
+    explicit operator bool() const noexcept { return m_hasEntry; }
+    // Moves to the next entry; false at the end, and after any error.
+    bool Next() noexcept;
+    const WIN32_FIND_DATAW& Entry() const noexcept { return *m_entry; }
+
+private:
+    void Close() noexcept;
+
+    std::unique_ptr<WIN32_FIND_DATAW> m_entry;
+    HANDLE m_handle;
+    bool m_hasEntry;
+};
+
+// The size in bytes that a directory entry carries.
+inline uint64_t EntrySize(const WIN32_FIND_DATAW& entry) noexcept {
+    return (static_cast<uint64_t>(entry.nFileSizeHigh) << 32) + entry.nFileSizeLow;
+}

@@ -1,0 +1,50 @@
+#include "sysservices/text.h"
+
+#include <windows.h>
+
+#include <cstring>
+
+CString Utf8ToWide(const char* utf8) {
+    return utf8 ? Utf8ToWide(std::string_view(utf8)) : CString();
+}
+
+CString Utf8ToWide(std::string_view utf8) {
+    const int bytes = static_cast<int>(utf8.size());
+    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, nullptr, 0);
+    CString wide(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, wide.data(), length);
+    return wide;
+}
+
+std::string WideToUtf8(std::wstring_view wide) {
+    const int length = static_cast<int>(wide.size());
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, utf8.data(), bytes, nullptr, nullptr);
+    return utf8;
+}
+
+CString ToLower(std::wstring_view text) {
+    CString lower(text);
+    const int length = static_cast<int>(text.size());
+    // Simple case mapping keeps the length; the call fails only for an empty text, which is its own result.
+    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower.data(), length, nullptr, nullptr,
+                  0);
+    return lower;
+}
+
+std::vector<CString> Split(std::wstring_view text, std::wstring_view separators) {
+    std::vector<CString> pieces;
+    for (size_t begin = text.find_first_not_of(separators); begin != std::wstring_view::npos;) {
+        const size_t end = text.find_first_of(separators, begin);
+        pieces.emplace_back(text.substr(begin, end - begin));
+        begin = text.find_first_not_of(separators, end);
+    }
+    return pieces;
+}
+
+CString JoinPath(std::wstring_view folder, std::wstring_view name) {
+    CString path;
+    path.reserve(folder.size() + 1 + name.size());
+    return path.append(folder).append(1, L'\\').append(name);
+}
