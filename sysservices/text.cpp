@@ -25,12 +25,15 @@ std::string WideToUtf8(std::wstring_view wide) {
 }
 
 CString ToLower(std::wstring_view text) {
-    CString lower(text);
+    CString lower(text.size(), L'\0');
+    ToLower(text, lower.data());
+    return lower;
+}
+
+void ToLower(std::wstring_view text, wchar_t* lower) noexcept {
     const int length = static_cast<int>(text.size());
     // Simple case mapping keeps the length; the call fails only for an empty text, which is its own result.
-    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower.data(), length, nullptr, nullptr,
-                  0);
-    return lower;
+    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower, length, nullptr, nullptr, 0);
 }
 
 std::vector<CString> Split(std::wstring_view text, std::wstring_view separators) {

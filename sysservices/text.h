@@ -17,6 +17,8 @@ std::string WideToUtf8(std::wstring_view wide);
 
 // Lower-cases every letter as the system compares file names, whatever the user's locale.
 CString ToLower(std::wstring_view text);
+// The same into `lower`, which has room for text.size() characters and is not terminated.
+void ToLower(std::wstring_view text, wchar_t* lower) noexcept;
 
 // Lower-cases A to Z only.
 constexpr wchar_t FoldAscii(wchar_t c) noexcept {
