@@ -1,0 +1,143 @@
+#include "sysservices/appinfomanager.h"
+
+#include <windows.h>
+
+#include <initializer_list>
+#include <utility>
+
+#include "sysservices/registrykey.h"
+
+namespace {
+
+using CInstalledApps = std::map<CString, CInstalledApp>;
+
+// The system spells it "Uninstall"; key names compare without case.
+constexpr wchar_t kUninstallPath[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\UnInstall";
+
+// Bytes on purpose: a name of 130 characters or more does not fit with its terminator, and its program is not listed.
+constexpr DWORD kValueBytes = 260;
+
+constexpr DWORD kNameChars = 260;
+constexpr DWORD kModulePathChars = 260;
+
+// Paths of up to this length are lower-cased without an allocation.
+constexpr size_t kStackPathChars = 512;
+
+// Ends with ReleaseInstance only: a destructor at the end of the process could meet the lock of a thread that is gone.
+CAppInfoManager* g_instance = nullptr;
+
+// In lower case. A path that does not fit is cut off by the call and leaves a folder above the host's, which protects
+// more; an empty one stays empty.
+CString HostFolder() {
+    wchar_t path[kModulePathChars];
+    const std::wstring_view file(path, GetModuleFileNameW(nullptr, path, kModulePathChars));
+    return ToLower(file.substr(0, file.rfind(L'\\')));
+}
+
+// "file,index" becomes "file". A text that begins with a comma is kept whole, on purpose.
+void CutIconIndex(CString& icon) {
+    const size_t comma = icon.find(L',');
+    if (comma != 0 && comma != CString::npos) icon.resize(comma);
+}
+
+void ReadEntry(HKEY root, const CString& keyPath, REGSAM view, CInstalledApps& apps) {
+    const CRegistryKey key(root, keyPath.c_str(), KEY_QUERY_VALUE | view);
+    CInstalledApp app;
+    if (!key || !key.ReadText(L"DisplayName", kValueBytes, app.displayName)) return;
+    app.displayName = ToLower(app.displayName);
+    // The first view that lists a name wins, on purpose.
+    if (apps.contains(app.displayName)) return;
+
+    app.keyPath = keyPath;
+    // Unchecked on purpose: missing or too long leaves them empty.
+    key.ReadText(L"DisplayVersion", kValueBytes, app.displayVersion);
+    key.ReadText(L"DisplayIcon", kValueBytes, app.displayIcon);
+    CutIconIndex(app.displayIcon);
+    CString name = app.displayName;
+    apps.emplace(std::move(name), std::move(app));
+}
+
+void ReadView(HKEY root, REGSAM view, CInstalledApps& apps) {
+    const CRegistryKey key(root, kUninstallPath, KEY_QUERY_VALUE | KEY_ENUMERATE_SUB_KEYS | view);
+    if (!key) return;
+    wchar_t name[kNameChars];
+    for (DWORD index = 0;; ++index) {
+        DWORD length = kNameChars;
+        if (RegEnumKeyExW(key.get(), index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) return;
+        ReadEntry(root, JoinPath(kUninstallPath, {name, length}), view, apps);
+    }
+}
+
+}  // namespace
+
+CAppInfoManager* CAppInfoManager::GetInstance() noexcept {
+    try {
+        if (!g_instance) g_instance = new CAppInfoManager;
+    } catch (...) {
+        // Out of memory: null tells.
+    }
+    return g_instance;
+}
+
+void CAppInfoManager::ReleaseInstance() noexcept {
+    delete std::exchange(g_instance, nullptr);
+}
+
+CAppInfoManager::CAppInfoManager() : m_hostFolder(HostFolder()) {}
+
+CAppInfoManager::~CAppInfoManager() {
+    Clear();
+}
+
+void CAppInfoManager::Load() noexcept {
+    const CLockGuard guard(m_lock);
+    if (m_loaded) return;
+    try {
+        CInstalledApps apps;
+        for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+            for (const REGSAM view : std::initializer_list<REGSAM>{KEY_WOW64_64KEY, 0})
+                ReadView(root, view, apps);
+        }
+        m_apps.swap(apps);
+        m_loaded = true;
+    } catch (...) {
+        // Out of memory: half a list would show installed programs as absent until the next Clear.
+    }
+}
+
+bool CAppInfoManager::Find(std::wstring_view displayName, CInstalledApp& out) noexcept {
+    const CLockGuard guard(m_lock);
+    try {
+        const auto found = m_apps.find(ToLower(displayName));
+        if (found != m_apps.end()) {
+            out = found->second;
+            return true;
+        }
+    } catch (...) {
+        // Out of memory: not found.
+    }
+    out = {};
+    return false;
+}
+
+// A substring, on purpose, not a prefix: the folder may stand behind "\\?\" or in another form of the path.
+bool CAppInfoManager::IsInHostFolder(std::wstring_view path) const noexcept {
+    // Lower-casing keeps the length.
+    if (m_hostFolder.empty() || path.size() < m_hostFolder.size()) return false;
+    if (path.size() <= kStackPathChars) {
+        wchar_t lower[kStackPathChars];
+        ToLower(path, lower);
+        return std::wstring_view(lower, path.size()).find(m_hostFolder) != std::wstring_view::npos;
+    }
+    try {
+        return ToLower(path).find(m_hostFolder) != CString::npos;
+    } catch (...) {
+        return true;
+    }
+}
+
+void CAppInfoManager::Clear() noexcept {
+    const CLockGuard guard(m_lock);
+    m_apps.clear();
+    m_loaded = false;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <map>
+#include <string_view>
+
+#include "sysservices/installedapp.h"
+#include "sysservices/lock.h"
+#include "sysservices/text.h"
+
+// Knows which programs are installed, by the uninstall entries of the registry, and which folder is the host program's
+// own. One instance serves the whole process.
+//
+// No operation throws. Load, Find, Clear and IsInHostFolder may run on any threads at once; GetInstance and
+// ReleaseInstance are unguarded, so whoever calls them keeps other threads from them, and lets nobody use an instance
+// that is being released.
+class CAppInfoManager {
+public:
+    // The instance, created on the first call and empty until Load. Null when memory runs out: then no program counts
+    // as installed, and every path must be taken for one in the host's folder.
+    static CAppInfoManager* GetInstance() noexcept;
+    // Destroys the instance with its list; does nothing without one. The next GetInstance creates another.
+    static void ReleaseInstance() noexcept;
+
+    virtual ~CAppInfoManager();
+    CAppInfoManager(const CAppInfoManager&) = delete;
+    CAppInfoManager& operator=(const CAppInfoManager&) = delete;
+
+    // Reads the list; does nothing when it was read before. A program installed later is seen only after Clear and
+    // Load. Entries that cannot be read are passed over. When memory runs out the list stays empty and not loaded.
+    void Load() noexcept;
+    // Looks a program up by its display name, without regard to case, in the list as loaded. `out` receives a copy; it
+    // is empty when the answer is false.
+    bool Find(std::wstring_view displayName, CInstalledApp& out) noexcept;
+    // Whether the host program's folder occurs, without regard to case, anywhere in `path`. False when that folder is
+    // not known; true, to be safe, when memory runs out (only a path of more than 512 characters takes any).
+    [[nodiscard]] bool IsInHostFolder(std::wstring_view path) const noexcept;
+    // Empties the list, which is then not loaded.
+    void Clear() noexcept;
+
+private:
+    CAppInfoManager();
+
+    CLock m_lock;  // guards the list and its flag
+    std::map<CString, CInstalledApp> m_apps;
+    bool m_loaded = false;
+    const CString m_hostFolder;
+};
