@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <initializer_list>
 #include <utility>
 
@@ -23,8 +24,7 @@ constexpr DWORD kModulePathChars = 260;
 // Paths of up to this length are lower-cased without an allocation.
 constexpr size_t kStackPathChars = 512;
 
-// Ends with ReleaseInstance only: a destructor at the end of the process could meet the lock of a thread that is gone.
-CAppInfoManager* g_instance = nullptr;
+std::atomic<std::shared_ptr<CAppInfoManager>> g_instance;
 
 // In lower case. A path that does not fit is cut off by the call and leaves a folder above the host's, which protects
 // more; an empty one stays empty.
@@ -70,17 +70,20 @@ void ReadView(HKEY root, REGSAM view, CInstalledApps& apps) {
 
 }  // namespace
 
-CAppInfoManager* CAppInfoManager::GetInstance() noexcept {
+std::shared_ptr<CAppInfoManager> CAppInfoManager::GetInstance() noexcept {
+    std::shared_ptr<CAppInfoManager> instance = g_instance;
+    if (instance) return instance;
     try {
-        if (!g_instance) g_instance = new CAppInfoManager;
+        std::shared_ptr<CAppInfoManager> created(new CAppInfoManager);
+        // A race of two creators ends with one instance for both.
+        return g_instance.compare_exchange_strong(instance, created) ? created : instance;
     } catch (...) {
-        // Out of memory: null tells.
+        return nullptr;
     }
-    return g_instance;
 }
 
 void CAppInfoManager::ReleaseInstance() noexcept {
-    delete std::exchange(g_instance, nullptr);
+    g_instance.store(nullptr);
 }
 
 CAppInfoManager::CAppInfoManager() : m_hostFolder(HostFolder()) {}

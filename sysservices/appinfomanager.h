@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string_view>
 
 #include "sysservices/installedapp.h"
@@ -10,15 +11,14 @@
 // Knows which programs are installed, by the uninstall entries of the registry, and which folder is the host program's
 // own. One instance serves the whole process.
 //
-// No operation throws. Load, Find, Clear and IsInHostFolder may run on any threads at once; GetInstance and
-// ReleaseInstance are unguarded, so whoever calls them keeps other threads from them, and lets nobody use an instance
-// that is being released.
+// No operation throws. Any thread.
 class CAppInfoManager {
 public:
     // The instance, created on the first call and empty until Load. Null when memory runs out: then no program counts
     // as installed, and every path must be taken for one in the host's folder.
-    static CAppInfoManager* GetInstance() noexcept;
-    // Destroys the instance with its list; does nothing without one. The next GetInstance creates another.
+    static std::shared_ptr<CAppInfoManager> GetInstance() noexcept;
+    // Lets go of the instance; it ends with its list when the last user on another thread is done with it. The next
+    // GetInstance creates another, which is to be loaded again.
     static void ReleaseInstance() noexcept;
 
     virtual ~CAppInfoManager();

@@ -56,7 +56,7 @@ protected:
 
     // The record in the list as it is read now.
     static CInstalledApp Lookup(std::wstring_view name) {
-        CAppInfoManager* manager = CAppInfoManager::GetInstance();
+        const auto manager = CAppInfoManager::GetInstance();
         manager->Clear();
         manager->Load();
         CInstalledApp app;
@@ -140,7 +140,7 @@ TEST_F(AppInfoManager, FirstViewThatListsANameWins) {
 }
 
 TEST_F(AppInfoManager, KeepsItsListUntilClearedAndLoaded) {
-    CAppInfoManager* manager = CAppInfoManager::GetInstance();
+    const auto manager = CAppInfoManager::GetInstance();
     EXPECT_EQ(CAppInfoManager::GetInstance(), manager);
     const Entry first(L"dswFirst", {{L"DisplayName", L"dsw first"}});
     CInstalledApp app;
@@ -179,7 +179,7 @@ TEST_F(AppInfoManager, KnowsTheHostFolderAnywhereInAPath) {
         {std::wstring(30'000, L'x'), false},
         {L"", false},
     };
-    const CAppInfoManager* manager = CAppInfoManager::GetInstance();
+    const auto manager = CAppInfoManager::GetInstance();
     for (const auto& [path, inside] : rows)
         EXPECT_EQ(manager->IsInHostFolder(path), inside) << path.size();
 }
@@ -197,7 +197,7 @@ TEST_F(AppInfoManager, SurvivesWithoutMemory) {
     EXPECT_EQ(CAppInfoManager::GetInstance(), nullptr);
     alloc_guard::FailAfter(-1);
 
-    CAppInfoManager* manager = CAppInfoManager::GetInstance();
+    const auto manager = CAppInfoManager::GetInstance();
     const std::wstring name = L"dsw product with a name that needs the heap";
     CInstalledApp app;
     for (int count = 0; count < 20; ++count) {
