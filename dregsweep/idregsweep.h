@@ -1,0 +1,91 @@
+#pragma once
+
+// The chief header for hosts: brings everything that a host needs to drive the cleaning engine.
+//
+//     HMODULE module = LoadLibraryW(L"Dregsweep.dll");
+//     auto getImp = reinterpret_cast<DregsweepFactory>(GetProcAddress(module, "GetImp"));
+//     IDregsweep* engine = getImp();
+//     engine->Init(L"C:\\Tool\\rules.xml", L"C:\\Tool\\ResIDText.xml", nullptr);
+//     if (engine->Gather(&callback) && UserAgrees()) engine->Clean(&callback);
+//     engine->Uninit();
+//     engine->Release();
+//
+// The tree has four levels: IAppCatagory > IAppGarbageInfo > IGarbageCatagory > IGarbageInfo. Every node carries a
+// reference count (IEUObject), totals (CGarbageVolume), a selection state (CGatherCheckProc) and the enumeration of its
+// children (CGatherIteratorProc).
+
+#include "dregsweep/idregsweepcallback.h"
+#include "tree/iappcatagory.h"
+#include "tree/itextselector.h"
+
+// What Init and ChangeResID return. 0 is success, or that there was nothing to do.
+constexpr uint64_t kDregsweepConfigFailed = 0x990006;  // Init: no category element loaded, or one failed to load
+constexpr uint64_t kDregsweepChangeResID = 0xAC0006;   // ChangeResID: in every other case, success included
+constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file has no "Dregsweep" element
+
+// The cleaning engine. Its own totals (CGarbageVolume) are those of all categories together. The engine creates no
+// threads: everything runs on the calling thread. Nothing throws; when memory runs out an operation gives up with the
+// answer named below.
+//
+// The engine lives until the host has given up its last reference, also when Uninit was not called. A category that the
+// host still holds stays valid, without children, and keeps the engine until it is released.
+//
+// Threads: AddRef and Release from any thread; AddAllowedPath and ClearAllowedPaths too. A second run, the enumeration,
+// ChangeResID and Uninit wait while another thread's run lasts. Do not call Init from two threads at once, nor change
+// the selection during another thread's run.
+class IDregsweep : public CGatherIteratorProc<IAppCatagory>, public virtual IEUObject, public virtual CGarbageVolume {
+public:
+    // Enumerate the top-level categories, in the order of the rule file, each with a reference for the caller. Null at
+    // the end, when the engine is not initialised, and when `current` is not the category that was returned last. One
+    // cursor for all callers.
+    IAppCatagory* GetFirstCategory() { return GetFirstChild(); }
+    IAppCatagory* GetNextCategory(IAppCatagory* current) { return GetNextChild(current); }
+
+    // Reads the rule file (XML) and the localised names (XML, see ChangeResID). Paths are null-terminated UTF-16 of any
+    // length; nothing is kept of the pointers. `selector` may be null; it is called during Init only.
+    // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing or is no
+    // XML, on purpose: look at GetFirstCategory. Returns 0 and does nothing when it is ready already or a path is null.
+    // Returns kDregsweepConfigFailed when the root has no child element or a category fails to load: the engine is not
+    // ready, and the categories before the failing one stay in its list, ahead of those of a later Init. Returns the
+    // companion library's code when that refuses to start.
+    // Calls CoInitialize at construction and never CoUninitialize, so the creating thread keeps its apartment.
+    virtual uint64_t Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) = 0;
+    // Lets go of all categories; a further Init may follow. The allowed paths stay. Always 0.
+    virtual uint64_t Uninit() = 0;
+    // Gives the nodes the names of another text file: below the document's first element, the element "Dregsweep" with
+    // one child element per key, named after the key, whose content is the text (UTF-8). Names without an entry keep
+    // their previous language. `selector` may be null.
+    // Returns kDregsweepChangeResID even on success, on purpose, and kDregsweepNoTextTable when the file was read but
+    // has no "Dregsweep" element. Nothing changes when the path is null, the engine is not ready or the file cannot be
+    // read.
+    virtual uint64_t ChangeResID(const wchar_t* textPath, ITextSelector* selector) = 0;
+    // Limits runs to folders whose path begins with one of the added prefixes; without any there is no limit. A plain
+    // comparison of characters that folds A to Z only and knows no separators, on purpose: "C:\Temp" admits
+    // "C:\TempFiles". The text is copied; null is ignored.
+    virtual void AddAllowedPath(const wchar_t* prefix) = 0;
+    virtual void ClearAllowedPaths() = 0;
+    // Scans what the selected rules describe and reports every item (see IDregsweepCallback). Zeroes the totals first,
+    // also when nothing is selected. `callback` may be null; it is borrowed for the call. Deletes nothing.
+    // True when the run went to its end, or there was nothing to do, or the engine is not ready; false when the host
+    // stopped it (totals stay as far as they got) or memory ran out.
+    virtual bool Gather(IDregsweepCallback* callback) = 0;
+    // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
+    // cleaners among them that the Gather had marked. Arguments and answers as for Gather. A rule that no Gather has
+    // marked is never cleaned.
+    virtual bool Clean(IDregsweepCallback* callback) = 0;
+    // What Gather and Clean do to all categories before they start. Always true.
+    virtual bool ResetForGather() = 0;
+    virtual bool PrepareForClean() = 0;
+    // Selects everything, or nothing. A partly selected category is toggled twice. Always 0.
+    virtual uint64_t SetAllChecked(bool checked) = 0;
+    // Zeroes all totals, and restores the selection of the rule file, on purpose. Always 0.
+    virtual uint64_t ClearTotals() = 0;
+    // Relay `arg` to the host's step notifications; true when no run is in progress.
+    virtual bool HostNotify1(uint64_t arg) = 0;
+    virtual bool HostNotify2(uint64_t arg) = 0;
+    virtual bool HostNotify3(uint64_t arg) = 0;
+};
+
+// The type of the exports "GetImp" and "GetPrivacyProcImp" (one function): a new engine, not yet initialised, with one
+// reference for the caller; null when memory runs out.
+using DregsweepFactory = IDregsweep* (*)();

@@ -1,0 +1,99 @@
+#pragma once
+
+// The bodies of CGatherProc. Included by the file that instantiates a level, where node and child are complete.
+
+#include <limits>
+
+#include "tree/gatherproc.h"
+#include "tree/walkchildren.h"
+
+// Truncates toward zero, as the notifications show progress.
+inline uint32_t TruncateToUint32(double value) noexcept {
+    constexpr double kMax = std::numeric_limits<uint32_t>::max();
+    if (!(value > 0)) return 0;
+    return value < kMax ? static_cast<uint32_t>(value) : std::numeric_limits<uint32_t>::max();
+}
+
+template <class Self, class Child>
+template <class Visit>
+void CGatherProc<Self, Child>::EachChild(Visit visit) {
+    WalkChildren(Node(), [&](auto& child) { return visit(static_cast<Child&>(child)); });
+}
+
+template <class Self, class Child>
+bool CGatherProc<Self, Child>::Mark(uint64_t value) {
+    // An unselected node loses its totals too, on purpose.
+    Node().ZeroVolume();
+    if (Node().GetState() == 0) return true;
+    m_marked = true;
+    if constexpr (!kIsLeaf) {
+        EachChild([value](Child& child) { return child.Mark(value); });
+    }
+    return true;
+}
+
+template <class Self, class Child>
+void CGatherProc<Self, Child>::Reset() {
+    if constexpr (kIsLeaf) {
+        ClearFound();
+    } else {
+        EachChild([](Child& child) {
+            child.Reset();
+            return true;
+        });
+    }
+    Node().ZeroVolume();
+    Node().StoreStage(0);
+}
+
+template <class Self, class Child>
+void CGatherProc<Self, Child>::SetStage(uint32_t stage) {
+    if constexpr (!kIsLeaf) {
+        EachChild([stage](Child& child) {
+            child.SetStage(stage);
+            return true;
+        });
+    }
+    Node().StoreStage(stage);
+}
+
+template <class Self, class Child>
+bool CGatherProc<Self, Child>::Run(Pass pass) {
+    if (!m_marked || Node().GetState() == 0) return true;
+    Node().AdvanceStage();
+    // A clean keeps the totals of the gather: each deleted item lowers them.
+    if (pass == Pass::Gather) Node().ZeroVolume();
+    if (!Node().ReportProgress(TruncateToUint32(m_rangeBegin), TruncateToUint32(m_rangeEnd))) return false;
+    bool goOn = false;
+    if constexpr (kIsLeaf) {
+        goOn = pass == Pass::Gather ? Gather() : Clean(0, 0, 0);
+    } else {
+        if (!Node().AskHostToGoOn()) return false;
+        goOn = RunChildren(pass);
+    }
+    // Also after a child's false, on purpose.
+    Node().AdvanceStage();
+    return goOn;
+}
+
+template <class Self, class Child>
+bool CGatherProc<Self, Child>::RunChildren(Pass pass) {
+    uint32_t selected = 0;
+    EachChild([&](Child& child) {
+        selected += child.GetState() != 0;
+        return true;
+    });
+    const double step = selected > 0 ? (m_rangeEnd - m_rangeBegin) / selected : 0;
+    double position = m_rangeBegin;
+    bool goOn = true;
+    EachChild([&](Child& child) {
+        if (child.GetState() == 0) return true;
+        // Compared without a tolerance, on purpose: the last child but one often takes all that is left as well.
+        const bool takesAllThatIsLeft = step * 2 > m_rangeEnd - position;
+        child.SetRange(position, takesAllThatIsLeft ? m_rangeEnd : position + step);
+        position += step;
+        goOn = pass == Pass::Gather ? child.RunGather() : child.RunClean();
+        return goOn;
+    });
+    return goOn;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <windows.h>
+
+#include "tree/igarbagecatagory.h"
+
+class IAppCatagory;
+
+// An application: the second level, whose children are its garbage categories.
+class IAppGarbageInfo : public CGatherIteratorProc<IGarbageCatagory>,
+                        public CGatherCheckProc<IAppCatagory, IAppGarbageInfo, IGarbageCatagory>,
+                        public virtual IEUObject,
+                        public virtual CGarbageVolume {
+public:
+    // The record, with its text pointers refreshed; see inforecords.h.
+    virtual const _DSW_App_Info_* GetInfo() = 0;
+    // The icon of the installed application, or null. It belongs to the application and goes with it.
+    virtual HICON GetAppIcon() = 0;
+    // Is the application present on this machine?
+    virtual bool IsAppPresent() = 0;
+    // Takes this application out of the job: subtracts its size from the totals of every level above (not the counts,
+    // and without a floor, on purpose) and zeroes its own. Always true.
+    virtual bool Discard() = 0;
+    // Relay `arg` to the host's first and second step notification; its answer, or true when there is nobody to ask.
+    virtual bool HostNotify1(uint64_t arg) = 0;
+    virtual bool HostNotify2(uint64_t arg) = 0;
+
+protected:
+    explicit IAppGarbageInfo(IAppCatagory* parent) noexcept : CGatherCheckProc(parent) {}
+};
+
+// Instantiated inside the engine.
+extern template class CGatherCheckProc<IAppCatagory, IAppGarbageInfo, IGarbageCatagory>;

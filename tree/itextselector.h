@@ -1,0 +1,15 @@
+#pragma once
+
+// Implemented by the host: chooses another text for a localised name. It declares no destructor, so that its operation
+// is the first in the table.
+class ITextSelector {
+public:
+    // `text` is a name as the text file gives it (UTF-16, null-terminated, valid during the call). Returns the text to
+    // use instead, which must stay valid until the engine has copied it, or null to keep `text`. Called on the thread
+    // that called Init or ChangeResID, with the engine's locks held: do not wait for another thread that uses the
+    // engine.
+    virtual const wchar_t* Select(const wchar_t* text) = 0;
+
+protected:
+    ~ITextSelector() = default;
+};
