@@ -1,0 +1,29 @@
+#include "rules/excludepath.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace {
+
+bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) noexcept {
+    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE)
+           == CSTR_EQUAL;
+}
+
+bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::wstring_view lowerName) noexcept {
+    if (!entry.exactMatch) return lowerName.find(entry.path) != std::wstring_view::npos;
+    if (folderPath.size() < entry.path.size()) return false;
+    // The tail may begin inside a name, on purpose: "emp" matches "C:\Temp".
+    return EqualIgnoringCase(folderPath.substr(folderPath.size() - entry.path.size()), entry.path);
+}
+
+}  // namespace
+
+const ExcludePathEntry* FindExcludePath(const std::list<ExcludePathEntry>& entries, std::wstring_view folderPath,
+                                        std::wstring_view lowerName) noexcept {
+    const auto match = std::find_if(entries.begin(), entries.end(), [&](const ExcludePathEntry& entry) {
+        return Matches(entry, folderPath, lowerName);
+    });
+    return match == entries.end() ? nullptr : &*match;
+}

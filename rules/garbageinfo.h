@@ -1,0 +1,101 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <list>
+#include <string_view>
+
+#include "rules/containment.h"
+#include "rules/excludepath.h"
+#include "rules/founditem.h"
+#include "rules/igarbageinfo.h"
+#include "rules/looppath.h"
+#include "sysservices/lock.h"
+#include "tree/gatherproc.h"
+#include "tree/volumeproc.h"
+
+class CGarbageCatagory;
+class IGarbageCatagory;
+
+// What a rule looks for. It never leaves the module, so it is not packed.
+struct _DSW_Garbage_Info_ {
+    bool IsRegistry = false;
+    bool IsFolder = false;     // a folder to scan, not one file
+    int32_t FolderIndex = -1;  // shell folder identifier (CSIDL), or -1 for none
+    CString FolderEnvDir;      // environment variable that holds the base folder
+    CString Path;              // after loading the absolute location, or the key path of a registry rule
+    CString Filter;            // file name pattern, or the sub-key path of a registry rule
+    bool Iteration = false;    // descend into what is below
+    bool LoopPath = false;
+    bool UseShellBrowse = false;
+};
+
+// One cleaning rule: a "GarbageInfo" element. A file rule names a folder or file, a registry rule a key and values in
+// it; a registry rule finds nothing when gathered and acts only when cleaned.
+class CGarbageInfo : public IGarbageInfo,
+                     public _DSW_Garbage_Info_,
+                     public CVolumeProc<CGarbageCatagory>,
+                     public CGatherProc<CGarbageInfo, CGarbageInfo> {
+public:
+    // Two views of one parent, whose class is not known down here; both may be null.
+    CGarbageInfo(CGarbageCatagory* parent, IGarbageCatagory* category);
+    ~CGarbageInfo() override;
+
+    // IGarbageInfo
+    void EnumFound(IVisitor* visitor) override;
+
+    // CVolumeProc
+    bool LoadXml(const TiXmlElement* element) override;
+    bool SaveXml(TiXmlElement* parentElement) override;
+
+    // CGatherProc. Running out of memory costs the rule what it has not yet done, not the run.
+    bool Gather() override;
+    bool Clean(uint64_t a, uint64_t b, uint64_t c) override;
+    void ClearFound() override;
+
+    // For the folder scan.
+
+    bool IsExcludedName(std::wstring_view name) const { return ExcludeFilters.contains(name); }
+    // `onlyOwnFiles` is set when what is below the excluded folder is still to be scanned.
+    bool IsExcludedPath(std::wstring_view folderPath, std::wstring_view name, bool& onlyOwnFiles) const;
+    // Lists a found file and reports it; false when the host asked to stop.
+    bool RecordFound(const CString& path, uint64_t size);
+
+private:
+    bool LoadFileRule(const TiXmlElement& element);
+    void LoadRegistryRule(const TiXmlElement& element);
+    bool ResolveLocation(const TiXmlElement& element);
+    void LoadLoopPaths(const TiXmlElement& element);
+    void LoadLoopPath(const TiXmlElement& child);
+    void LoadExcludePaths(const TiXmlElement& element);
+
+    bool Scan();
+    bool ScanFolders();
+    bool ScanFile();
+    bool CleanFiles();
+    bool DeleteFound(const CString& path);
+    bool ReportProcessed(const CString& path, uint64_t size, bool deleted);
+    uint64_t CategoryValue() const noexcept;
+
+    IGarbageCatagory* const m_category;  // the parent; kept alive by CVolumeProc
+
+    CLock m_lock;  // guards the found items and the generation
+    std::list<FoundItem> m_found;
+    // Counts the times that the list was emptied: a walk that is interrupted by a notification, in which the host scans
+    // anew, can tell that its list is gone.
+    uint32_t m_generation = 0;
+
+    // The rest of what the rule file says. Two members serve both kinds of rule, on purpose.
+    ContainmentSet ExcludeFilters;
+    ContainmentSet m_secondFilters;  // only ever emptied, on purpose
+    std::list<LoopStep> m_loopSteps;
+    std::list<CString> TerminalPaths;
+    std::list<CString>& ValueNames() noexcept { return TerminalPaths; }
+    bool ExactMatch = false;  // for the terminal paths
+    std::list<ExcludePathEntry> m_excludePaths;
+    bool ExcludePath = false;  // has "ExcludePath" children
+    bool SelfExclude = false;  // leave out the location's own files
+    bool& DelKey() noexcept { return SelfExclude; }
+    HKEY m_rootKey = nullptr;  // a predefined root, never closed
+};
