@@ -1,0 +1,335 @@
+#include "dregsweep/dregsweep.h"
+
+#include <objbase.h>
+#include <tinyxml.h>
+
+#include <algorithm>
+
+#include "dregsweep/progressranges.h"
+#include "sysservices/appinfomanager.h"
+#include "sysservices/nothrow.h"
+#include "sysservices/trace.h"
+#include "sysservices/xmldocument.h"
+#include "tree/residtexttable.h"
+#include "tree/volumeprocimpl.h"
+
+namespace {
+
+constexpr const wchar_t* kCancelInStep = L"[Dregsweep]User cancel in process step notify!,%S,%d";
+constexpr const wchar_t* kCancelInProgress = L"[Dregsweep]User cancel in process notify!,%S,%d";
+constexpr const wchar_t* kCancelInGather = L"[Dregsweep]User cancel in gather proc!,%S,%d";
+constexpr const wchar_t* kCancelInEmpty = L"[Dregsweep]User cancel in empty proc!,%S,%d";
+
+// The callback of a run. A host may start a nested run from a notification: the outer run's callback comes back.
+class CallbackScope {
+public:
+    CallbackScope(IDregsweepCallback*& slot, IDregsweepCallback* callback) noexcept : m_slot(slot), m_outer(slot) {
+        m_slot = callback;
+    }
+    ~CallbackScope() { m_slot = m_outer; }
+    CallbackScope(const CallbackScope&) = delete;
+    CallbackScope& operator=(const CallbackScope&) = delete;
+
+private:
+    IDregsweepCallback*& m_slot;
+    IDregsweepCallback* const m_outer;
+};
+
+// A plain prefix without a look at separators, folding A to Z only, on purpose.
+bool BeginsWith(const CString& path, const CString& prefix) noexcept {
+    if (path.size() < prefix.size()) return false;
+    return std::equal(prefix.begin(), prefix.end(), path.begin(),
+                      [](wchar_t a, wchar_t b) { return FoldAscii(a) == FoldAscii(b); });
+}
+
+uint32_t CountSelected(const std::vector<CReference<CAppCatagory>>& categories) {
+    return static_cast<uint32_t>(std::count_if(categories.begin(), categories.end(),
+                                               [](const auto& category) { return category->GetState() != 0; }));
+}
+
+}  // namespace
+
+CDregsweep::CDregsweep(bool upgradeMode) : CVolumeProc(nullptr), m_upgradeMode(upgradeMode) {
+    // Never balanced and the result not looked at, on purpose: the host's thread keeps its apartment.
+    (void)CoInitialize(nullptr);
+}
+
+CDregsweep::~CDregsweep() {
+    CDregsweep::Uninit();
+    // One list for the whole process, on purpose: an engine that is still alive loads it again on its next use.
+    CAppInfoManager::ReleaseInstance();
+}
+
+uint32_t CDregsweep::Release() noexcept {
+    // Read while the reference in hand still keeps the engine.
+    const uint32_t held = m_categoryCount;
+    const uint32_t left = IEUObject::Release();
+    if (held == 0 || left != held) return left;
+    // Only its own categories hold it any more: let go of them, and of the engine with the last of them.
+    AddRef();
+    CDregsweep::Uninit();
+    ReleaseCategories();
+    return IEUObject::Release();
+}
+
+IAppCatagory* CDregsweep::GetFirstChild() {
+    return m_initialised ? m_categories.First() : nullptr;
+}
+
+IAppCatagory* CDregsweep::GetNextChild(IAppCatagory* current) {
+    return m_initialised ? m_categories.Next(current) : nullptr;
+}
+
+uint64_t CDregsweep::Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) {
+    // Nothing to do, and no error, on purpose.
+    if (m_initialised || !configPath || !textPath) return 0;
+    return NoThrow(kDregsweepConfigFailed, [&] { return DoInit(configPath, textPath, selector); });
+}
+
+uint64_t CDregsweep::DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) {
+    m_configPath = configPath;
+    if (const auto apps = CAppInfoManager::GetInstance()) apps->Load();
+    if (const uint64_t code = LoadConfigFile()) return code;
+    m_initialised = true;
+    // Through the table of virtual functions, and its result not used, on purpose.
+    IDregsweep* self = this;
+    self->ChangeResID(textPath, selector);
+    return 0;
+}
+
+uint64_t CDregsweep::LoadConfigFile() {
+    TiXmlDocument document;
+    // A file that is missing or broken is no error, on purpose: the engine becomes ready without a category.
+    if (!LoadXmlDocument(m_configPath.c_str(), document)) return 0;
+    return LoadConfig(document.FirstChildElement()) ? 0 : kDregsweepConfigFailed;
+}
+
+bool CDregsweep::LoadConfig(const TiXmlElement* root) {
+    const bool loaded = root && LoadCategories(*root);
+    if (!loaded) DregsweepTrace(L"[Dregsweep] LoadConfig fail");
+    return loaded;
+}
+
+bool CDregsweep::LoadCategories(const TiXmlElement& root) {
+    constexpr std::string_view kTag = "AppCategoryInfo";
+    // A root without any child element fails, one with foreign elements only does not, on purpose.
+    if (!root.FirstChildElement()) return false;
+    for (const TiXmlElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        if (child->Value() != kTag) continue;
+        // The categories before a failing one stay in the list, on purpose.
+        if (!m_categories.LoadAndAppend(new CAppCatagory(this, this), child)) return false;
+        ++m_categoryCount;
+    }
+    return true;
+}
+
+uint64_t CDregsweep::Uninit() {
+    if (!m_initialised) return 0;
+    const CLockGuard guard(m_categories.Lock());
+    ReleaseCategories();
+    m_initialised = false;
+    // The allowed paths stay, on purpose.
+    return 0;
+}
+
+void CDregsweep::ReleaseCategories() noexcept {
+    m_categoryCount = 0;
+    m_categories.Release();
+}
+
+uint64_t CDregsweep::ChangeResID(const wchar_t* textPath, ITextSelector* selector) {
+    if (!textPath) return kDregsweepChangeResID;
+    const uint64_t code = NoThrow(kDregsweepChangeResID, [&] { return LoadTexts(textPath, selector); });
+    // Never 0 and traced every time, on purpose, also when every category took its text.
+    DregsweepTrace(L"[Dregsweep] ChangeResID fail 0x%x,%d", static_cast<unsigned>(code), GetLastError());
+    return code;
+}
+
+uint64_t CDregsweep::LoadTexts(const wchar_t* textPath, ITextSelector* selector) {
+    if (!m_initialised) return kDregsweepChangeResID;
+    TiXmlDocument document;
+    if (!LoadXmlDocument(textPath, document)) return kDregsweepChangeResID;
+    const TiXmlElement* root = document.FirstChildElement();
+    const TiXmlElement* tableElement = root ? root->FirstChildElement("Dregsweep") : nullptr;
+    if (!tableElement) return kDregsweepNoTextTable;
+    const CResIdTextTable table(*tableElement);
+    m_categories.VisitLocked([&](CAppCatagory& category) {
+        category.ChangeResID(table, selector);
+        return true;
+    });
+    return kDregsweepChangeResID;
+}
+
+void CDregsweep::AddAllowedPath(const wchar_t* prefix) {
+    if (!prefix) return;
+    NoThrow(false, [&] {
+        const CLockGuard guard(m_pathLock);
+        m_allowedPaths.emplace_back(prefix);
+        return true;
+    });
+}
+
+void CDregsweep::ClearAllowedPaths() {
+    const CLockGuard guard(m_pathLock);
+    m_allowedPaths.clear();
+}
+
+bool CDregsweep::IsPathAllowed(const CString& path) {
+    const CLockGuard guard(m_pathLock);
+    return m_allowedPaths.empty()
+           || std::any_of(m_allowedPaths.begin(), m_allowedPaths.end(),
+                          [&](const CString& prefix) { return BeginsWith(path, prefix); });
+}
+
+bool CDregsweep::Gather(IDregsweepCallback* callback) {
+    return NoThrow(false, [&] { return RunGather(callback); });
+}
+
+bool CDregsweep::RunGather(IDregsweepCallback* callback) {
+    const auto keepAlive = CReference<CDregsweep>::Share(this);
+    // Before the callback is stored: a second run from another thread waits here for the first.
+    const CLockGuard guard(m_categories.Lock());
+    if (!m_initialised) return true;
+    const CallbackScope scope(m_callback, callback);
+    // Even when nothing is selected, on purpose.
+    ZeroVolume();
+    ResetForGather();
+
+    const Categories categories = ShareCategories();
+    CProgressRanges ranges(CountSelected(categories));
+    bool goOn = true;
+    for (const auto& category : categories) {
+        if (!goOn) break;
+        if (category->GetState() == 0) continue;
+        const ProgressRange range = ranges.Next();
+        category->SetRange(range.begin, range.end);
+        // Marked one by one: a category behind a cancelled one stays unmarked, and so is never cleaned.
+        category->Mark(reinterpret_cast<uint64_t>(callback));
+        goOn = category->RunGather();
+    }
+    return goOn;
+}
+
+bool CDregsweep::Clean(IDregsweepCallback* callback) {
+    // Both lines also when the engine is not initialised, on purpose.
+    DregsweepTrace(L"[Dregsweep] ------ start garbage clear proc ------");
+    const bool goOn = NoThrow(false, [&] { return RunClean(callback); });
+    DregsweepTrace(L"[Dregsweep] ------ end garbage clear proc ------");
+    return goOn;
+}
+
+bool CDregsweep::RunClean(IDregsweepCallback* callback) {
+    const auto keepAlive = CReference<CDregsweep>::Share(this);
+    const CLockGuard guard(m_categories.Lock());
+    if (!m_initialised) return true;
+    const CallbackScope scope(m_callback, callback);
+    PrepareForClean();
+
+    const Categories categories = ShareCategories();
+    const uint32_t selected = CountSelected(categories);
+    if (selected == 0) return true;
+    CProgressRanges ranges(selected);
+    bool goOn = true;
+    for (const auto& category : categories) {
+        if (!goOn) break;
+        if (category->GetState() != 0) {
+            const ProgressRange range = ranges.Next();
+            category->SetRange(range.begin, range.end);
+        }
+        // Unselected categories are visited too, on purpose: they skip their unselected content themselves. Nothing is
+        // marked here: that would zero the totals which each deleted item lowers.
+        goOn = category->RunClean();
+    }
+    return goOn;
+}
+
+CDregsweep::Categories CDregsweep::ShareCategories() {
+    Categories categories;
+    m_categories.VisitLocked([&](CAppCatagory& category) {
+        categories.push_back(CReference<CAppCatagory>::Share(&category));
+        return true;
+    });
+    return categories;
+}
+
+// The categories are held meanwhile, the lock is not: what is called may call back into the engine.
+template <class Visit>
+bool CDregsweep::EachCategory(Visit visit) noexcept {
+    if (!m_initialised) return false;
+    return NoThrow(false, [&] {
+        for (const auto& category : ShareCategories())
+            visit(*category);
+        return true;
+    });
+}
+
+bool CDregsweep::ResetForGather() {
+    EachCategory([](CAppCatagory& category) { category.Reset(); });
+    return true;
+}
+
+bool CDregsweep::PrepareForClean() {
+    constexpr uint32_t kReadyToClean = 3;
+    EachCategory([](CAppCatagory& category) { category.SetStage(kReadyToClean); });
+    return true;
+}
+
+uint64_t CDregsweep::SetAllChecked(bool checked) {
+    EachCategory([checked](CAppCatagory& category) {
+        const uint32_t wanted = checked ? SelectionAll : SelectionNone;
+        if (category.GetState() == wanted) return;
+        category.Toggle();
+        // A partly selected category went to none first: once more, on purpose.
+        if (checked && category.GetState() != SelectionAll) category.Toggle();
+    });
+    return 0;
+}
+
+uint64_t CDregsweep::ClearTotals() {
+    if (!m_initialised) return 0;
+    ZeroVolume();
+    // Restores the loaded selection too, on purpose.
+    EachCategory([](CAppCatagory& category) { category.ResetAll(); });
+    return 0;
+}
+
+// True to go on: nobody is asked between runs. Whatever the host throws counts as a stop.
+template <class Call>
+bool CDregsweep::AskHost(const wchar_t* cancelTrace, Call call, std::source_location line) noexcept {
+    if (!m_callback) return true;
+    const bool goOn = NoThrow(false, [&] { return call(*m_callback); });
+    if (!goOn) DregsweepTrace(cancelTrace, __FILE_NAME__, static_cast<int>(line.line()));
+    return goOn;
+}
+
+bool CDregsweep::HostNotify1(uint64_t arg) {
+    return AskHost(kCancelInStep, [&](IDregsweepCallback& host) { return host.StepNotify1(arg); });
+}
+
+bool CDregsweep::HostNotify2(uint64_t arg) {
+    return AskHost(kCancelInStep, [&](IDregsweepCallback& host) { return host.StepNotify2(arg); });
+}
+
+bool CDregsweep::HostNotify3(uint64_t arg) {
+    return AskHost(kCancelInStep, [&](IDregsweepCallback& host) { return host.StepNotify3(arg); });
+}
+
+bool CDregsweep::ReportProgress(uint32_t begin, uint32_t end) {
+    return AskHost(kCancelInProgress, [&](IDregsweepCallback& host) { return host.Progress(begin, end); });
+}
+
+bool CDregsweep::ReportFound(const CString& item, const uint64_t* size, uint64_t extra) {
+    AddFound(*size);
+    return AskHost(kCancelInGather,
+                   [&](IDregsweepCallback& host) { return host.FoundItem(item.c_str(), *size, extra); });
+}
+
+// The count of items is not handed on, on purpose.
+bool CDregsweep::ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
+                               uint32_t count) {
+    if (subtract) TakeEmptied(*size, count);
+    return AskHost(kCancelInEmpty,
+                   [&](IDregsweepCallback& host) { return host.EmptiedItem(item.c_str(), *size, extra, subtract); });
+}
+
+template class CVolumeProc<CDregsweep>;

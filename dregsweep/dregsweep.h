@@ -1,0 +1,83 @@
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <list>
+#include <source_location>
+#include <vector>
+
+#include "dregsweep/idregsweep.h"
+#include "rules/reference.h"
+#include "sysservices/lock.h"
+#include "sysservices/text.h"
+#include "tree/appcatagory.h"
+#include "tree/childlist.h"
+#include "tree/volumeproc.h"
+
+class CResIdTextTable;
+
+// The cleaning engine: owns the top-level categories, drives the runs over them and stands between them and the host.
+class CDregsweep final : public IDregsweep, public CVolumeProc<CDregsweep> {
+public:
+    // In upgrade mode refused files and folders may be unlocked and tried again.
+    explicit CDregsweep(bool upgradeMode);
+    ~CDregsweep() override;
+
+    // IEUObject. The references that the engine's own categories hold do not keep it alive.
+    uint32_t Release() noexcept override;
+
+    // IDregsweep
+    IAppCatagory* GetFirstChild() override;
+    IAppCatagory* GetNextChild(IAppCatagory* current) override;
+    uint64_t Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) override;
+    uint64_t Uninit() override;
+    uint64_t ChangeResID(const wchar_t* textPath, ITextSelector* selector) override;
+    void AddAllowedPath(const wchar_t* prefix) override;
+    void ClearAllowedPaths() override;
+    bool Gather(IDregsweepCallback* callback) override;
+    bool Clean(IDregsweepCallback* callback) override;
+    bool ResetForGather() override;
+    bool PrepareForClean() override;
+    uint64_t SetAllChecked(bool checked) override;
+    uint64_t ClearTotals() override;
+    bool HostNotify1(uint64_t arg) override;
+    bool HostNotify2(uint64_t arg) override;
+    bool HostNotify3(uint64_t arg) override;
+
+    // CVolumeProc: the top of every report and question.
+    bool ReportProgress(uint32_t begin, uint32_t end) override;
+    bool ReportFound(const CString& item, const uint64_t* size, uint64_t extra) override;
+    bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
+                       uint32_t count) override;
+    bool IsUpgradeMode() override { return m_upgradeMode; }
+    bool IsPathAllowed(const CString& path) override;
+
+private:
+    using Categories = std::vector<CReference<CAppCatagory>>;
+
+    uint64_t DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector);
+    uint64_t LoadConfigFile();
+    bool LoadConfig(const TiXmlElement* root);
+    bool LoadCategories(const TiXmlElement& root);
+    uint64_t LoadTexts(const wchar_t* textPath, ITextSelector* selector);
+    void ReleaseCategories() noexcept;
+
+    bool RunGather(IDregsweepCallback* callback);
+    bool RunClean(IDregsweepCallback* callback);
+    Categories ShareCategories();
+    template <class Visit>
+    bool EachCategory(Visit visit) noexcept;
+    template <class Call>
+    bool AskHost(const wchar_t* cancelTrace, Call call,
+                 std::source_location line = std::source_location::current()) noexcept;
+
+    std::atomic<bool> m_initialised{false};
+    const bool m_upgradeMode;
+    CChildList<CAppCatagory, IAppCatagory> m_categories;  // with the category lock and the cursor
+    std::atomic<uint32_t> m_categoryCount{0};             // each category in the list holds one reference on the engine
+    IDregsweepCallback* m_callback = nullptr;             // the host's, during a run; guarded by the category lock
+    CString m_configPath;
+    CLock m_pathLock;  // guards the allowed paths; never held together with the category lock by the engine's own code
+    std::list<CString> m_allowedPaths;
+};
