@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# check-includes.sh: fails when an include runs upwards. Interfaces (i*.h) and the per-level templates belong to the
+# bottom layer, whatever folder they live in.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bottom='^(rules/(ieuobject|garbagevolume|reference)\.h|[a-z]+/i[a-z]+\.h|tree/(gather|volume|loadresid|walkchildren|residtext)[a-z]*\.h)$'
+
+check() {  # check FOLDER ALLOWED-FOLDERS...: FOLDER may include itself, the allowed folders and the bottom layer
+    local folder=$1 allowed file target
+    shift
+    allowed="^($(IFS='|'; echo "$folder${*:+|$*}"))/"
+    git grep -HoE '^#include "[^"]+"' -- "$folder/*.h" "$folder/*.cpp" | while IFS=: read -r file target; do
+        target=${target#'#include "'}
+        target=${target%'"'}
+        [[ $target =~ $allowed || $target =~ $bottom ]] || echo "$file includes $target"
+    done
+}
+
+upward=$(
+    check sysservices
+    check rules sysservices
+    check cleaners sysservices
+    check update sysservices
+    check tree sysservices rules
+    check dregsweep sysservices rules tree cleaners update
+)
+[ -z "$upward" ] || { echo "includes that run upwards:"; echo "$upward"; exit 1; }
