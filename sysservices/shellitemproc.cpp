@@ -1,0 +1,224 @@
+#include "sysservices/shellitemproc.h"
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "sysservices/filesearch.h"
+
+namespace {
+
+constexpr SHCONTF kSubfolders = SHCONTF_FOLDERS | SHCONTF_INCLUDEHIDDEN;
+constexpr SHCONTF kAllItems = kSubfolders | SHCONTF_NONFOLDERS;
+
+// Some drivers list their devices as entries; like folders they are no files.
+bool IsFolder(const WIN32_FIND_DATAW& entry) noexcept {
+    return (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0;
+}
+
+// Links are never entered, so a junction cannot lead a walk out of its folder or round in a circle.
+bool MayEnter(const WIN32_FIND_DATAW& entry) noexcept {
+    return IsFolder(entry) && !(entry.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
+}
+
+bool IsSelfOrParent(std::wstring_view name) noexcept {
+    return name == L"." || name == L"..";
+}
+
+// Empty when the item has no file-system path. A path that is empty counts as none: walked, it would be the root of
+// the current drive.
+CString FileSystemPath(LPCITEMIDLIST item) {
+    wchar_t path[MAX_PATH] = {};
+    return item && SHGetPathFromIDListW(item, path) ? path : CString();
+}
+
+// Hands each item's child list to `visit`; returns its last answer, true when there was none. False stops.
+template <class Visit>
+bool ForEachItem(const CComPtr<IShellFolder2>& folder, SHCONTF flags, Visit visit) {
+    CComPtr<IEnumIDList> items;
+    folder->EnumObjects(nullptr, flags, items.Put());
+    bool goOn = true;
+    // A folder without items may succeed and hand out no enumerator.
+    while (goOn && items) {
+        CItemIdList child;
+        ULONG fetched = 0;
+        if (items->Next(1, child.Put(), &fetched) != S_OK || !child) break;
+        goOn = visit(child);
+    }
+    return goOn;
+}
+
+// The file-system walk. The open folders stand in a list of their own, not on the stack, and share one path: a path of
+// 32,000 characters can be 16,000 folders deep.
+class CFolderWalk {
+public:
+    CFolderWalk(const CString& path, CShellItemProc::FileCallback onFile, CShellItemProc::FolderCallback onFolder,
+                void* context, bool recurse)
+        : m_path(path),
+          m_onFile(onFile),
+          m_onFolder(onFolder),
+          m_context(context),
+          m_recurse(recurse) {}
+
+    bool Run() {
+        Enter(m_path.size());
+        while (!m_levels.empty()) {
+            if (!m_goOn || !m_levels.back().search)
+                Leave();
+            else if (!Visit(m_levels.back().search.Entry()))
+                m_levels.back().search.Next();
+        }
+        return m_goOn;
+    }
+
+private:
+    struct Level {
+        size_t outerLength;  // of m_path, in the folder above
+        CFileSearch search;
+    };
+
+    // Lists the folder that m_path names now.
+    void Enter(size_t outerLength) {
+        const size_t length = m_path.size();
+        m_path += L"\\*";
+        m_levels.push_back({outerLength, CFileSearch(m_path.c_str())});
+        m_path.resize(length);
+    }
+
+    void Leave() {
+        // The folder-done notice, also for a folder that could not be listed; its answer counts for nothing.
+        m_onFolder(m_path.c_str(), L"", nullptr, m_context);
+        m_path.resize(m_levels.back().outerLength);
+        m_levels.pop_back();
+        if (m_goOn && !m_levels.empty()) m_levels.back().search.Next();
+    }
+
+    // True when the entry is a folder that was entered.
+    bool Visit(const WIN32_FIND_DATAW& entry) {
+        const bool isFolder = IsFolder(entry);
+        if (isFolder && (!m_recurse || !MayEnter(entry) || IsSelfOrParent(entry.cFileName))) return false;
+
+        const size_t length = m_path.size();
+        m_path.append(1, L'\\').append(entry.cFileName);
+        if (isFolder && m_onFolder(m_path.c_str(), entry.cFileName, &entry, m_context)) {
+            Enter(length);
+            return true;
+        }
+        if (!isFolder) m_goOn = m_onFile(0, m_path.c_str(), entry, m_context);
+        m_path.resize(length);
+        return false;
+    }
+
+    CString m_path;  // of the innermost open folder
+    std::vector<Level> m_levels;
+    CShellItemProc::FileCallback m_onFile;
+    CShellItemProc::FolderCallback m_onFolder;
+    void* m_context;
+    bool m_recurse;
+    bool m_goOn = true;
+};
+
+}  // namespace
+
+CShellItemProc::CShellItemProc(LPCITEMIDLIST pidl, bool wholeItemMode, HRESULT& result) noexcept
+    : m_pidl(pidl),
+      m_wholeItemMode(wholeItemMode) {
+    CComPtr<IShellFolder> desktop;
+    result = SHGetDesktopFolder(desktop.Put());
+    if (SUCCEEDED(result)) result = desktop->BindToObject(pidl, nullptr, IID_IShellFolder2, m_folder.PutVoid());
+    // Whether bound or not, on purpose.
+    m_info.Load(pidl);
+}
+
+bool CShellItemProc::Walk(FileCallback onFile, FolderCallback onFolder, void* context) const {
+    return WalkLevel({onFile, onFolder, context}, 1);
+}
+
+bool CShellItemProc::ListItems(ItemCallback onItem, void* context) const {
+    if (!m_folder || !onItem) return true;
+    return ForEachItem(m_folder, kAllItems, [&](CItemIdList& child) {
+        const CItemIdList item = CItemIdList::Combine(m_pidl, child.get());
+        return onItem(CShellFileInfo(item.get()).Get(), child, context);
+    });
+}
+
+bool CShellItemProc::InvokeDelete(LPCITEMIDLIST childPidl) const noexcept {
+    if (!m_folder || !childPidl) return false;
+    CComPtr<IContextMenu> menu;
+    m_folder->GetUIObjectOf(nullptr, 1, &childPidl, IID_IContextMenu, nullptr, menu.PutVoid());
+    if (!menu) return false;
+
+    // No flag suppresses the shell's own confirmation, on purpose.
+    CMINVOKECOMMANDINFO command = {};
+    command.cbSize = sizeof command;
+    command.hwnd = GetDesktopWindow();
+    command.lpVerb = "Delete";
+    command.nShow = SW_SHOWNORMAL;
+    // S_FALSE is a success too, on purpose.
+    return SUCCEEDED(menu->InvokeCommand(&command));
+}
+
+bool CShellItemProc::EmptyRecycleBin() const noexcept {
+    if (!m_wholeItemMode) return false;
+    // Compared by bytes: the shell's own comparison may go by name, and a rule on another virtual folder must not empty
+    // every bin of the machine. Lists of special folders are the same bytes each time.
+    CItemIdList bin;
+    if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, bin.Put()))) return false;
+    if (!CItemIdList::SameBytes(m_pidl, bin.get())) return false;
+
+    constexpr DWORD kSilently = SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND;
+    return SUCCEEDED(SHEmptyRecycleBinW(nullptr, /*all drives*/ nullptr, kSilently));
+}
+
+bool CShellItemProc::WalkFolder(const CString& path, FileCallback onFile, FolderCallback onFolder, void* context,
+                                bool recurse) {
+    if (!onFile || !onFolder) return true;
+    return CFolderWalk(path, onFile, onFolder, context, recurse).Run();
+}
+
+bool CShellItemProc::OfferFolder(const CString& path, const wchar_t* name, const WIN32_FIND_DATAW* findData,
+                                 const Callbacks& callbacks) {
+    if (!callbacks.onFolder(path.c_str(), name, findData, callbacks.context)) return true;
+    return WalkFolder(path, callbacks.onFile, callbacks.onFolder, callbacks.context, /*recurse=*/true);
+}
+
+bool CShellItemProc::WalkLevel(const Callbacks& callbacks, int depth) const {
+    // Not bound, even a folder that has a path is not walked, on purpose.
+    if (!m_folder || !callbacks.onFile || !callbacks.onFolder) return true;
+
+    CString path = FileSystemPath(m_pidl);
+    if (!path.empty()) {
+        // A real folder is never listed through the shell, on purpose.
+        if (path.back() == L'\\') path.pop_back();
+        return OfferFolder(path, path.c_str(), nullptr, callbacks);
+    }
+    return ForEachItem(m_folder, m_pidl ? kAllItems : kSubfolders,
+                       [&](const CItemIdList& child) { return WalkItem(child.get(), callbacks, depth); });
+}
+
+bool CShellItemProc::WalkItem(LPCITEMIDLIST child, const Callbacks& callbacks, int depth) const {
+    const CItemIdList item = CItemIdList::Combine(m_pidl, child);
+    const CString path = FileSystemPath(item.get());
+    if (path.empty()) return WalkVirtualItem(item.get(), callbacks, depth);
+    // Without a list of its own the folder was asked for subfolders only.
+    if (!m_pidl) return OfferFolder(path, L"", nullptr, callbacks);
+    return WalkFileItem(path, callbacks);
+}
+
+bool CShellItemProc::WalkFileItem(const CString& path, const Callbacks& callbacks) const {
+    const CFileSearch search(path.c_str());
+    if (!search) return true;
+    const WIN32_FIND_DATAW& entry = search.Entry();
+    // In whole-item mode everything is handed out as it is, directories and links too, on purpose.
+    if (m_wholeItemMode) return callbacks.onFile(0, path.c_str(), entry, callbacks.context);
+    if (MayEnter(entry)) return OfferFolder(path, entry.cFileName, &entry, callbacks);
+    // Plain files of a virtual folder are passed over, on purpose.
+    return true;
+}
+
+bool CShellItemProc::WalkVirtualItem(LPCITEMIDLIST item, const Callbacks& callbacks, int depth) {
+    if (depth == kMaxVirtualDepth) return true;
+    HRESULT bound = E_FAIL;
+    const CShellItemProc child(item, /*wholeItemMode=*/false, bound);
+    return child.WalkLevel(callbacks, depth + 1);
+}
