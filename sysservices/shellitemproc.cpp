@@ -16,7 +16,7 @@ bool IsFolder(const WIN32_FIND_DATAW& entry) noexcept {
     return (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0;
 }
 
-// Links are never entered, so a junction cannot lead a walk out of its folder or round in a circle.
+// Links are never entered, on purpose: a junction would lead a walk out of its folder or round in a circle.
 bool MayEnter(const WIN32_FIND_DATAW& entry) noexcept {
     return IsFolder(entry) && !(entry.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
 }
@@ -86,7 +86,7 @@ private:
     }
 
     void Leave() {
-        // The folder-done notice, also for a folder that could not be listed; its answer counts for nothing.
+        // The folder-done notice, also for a folder that could not be listed; its answer is ignored on purpose.
         m_onFolder(m_path.c_str(), L"", nullptr, m_context);
         m_path.resize(m_levels.back().outerLength);
         m_levels.pop_back();
@@ -166,8 +166,9 @@ bool CShellItemProc::EmptyRecycleBin() const noexcept {
     if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, bin.Put()))) return false;
     if (!CItemIdList::SameBytes(m_pidl, bin.get())) return false;
 
+    // The bins of all drives, on purpose.
     constexpr DWORD kSilently = SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND;
-    return SUCCEEDED(SHEmptyRecycleBinW(nullptr, /*all drives*/ nullptr, kSilently));
+    return SUCCEEDED(SHEmptyRecycleBinW(nullptr, /*root=*/nullptr, kSilently));
 }
 
 bool CShellItemProc::WalkFolder(const CString& path, FileCallback onFile, FolderCallback onFolder, void* context,
@@ -207,6 +208,7 @@ bool CShellItemProc::WalkItem(LPCITEMIDLIST child, const Callbacks& callbacks, i
 
 bool CShellItemProc::WalkFileItem(const CString& path, const Callbacks& callbacks) const {
     const CFileSearch search(path.c_str());
+    // An item that cannot be read is skipped, a drive's root among them, on purpose.
     if (!search) return true;
     const WIN32_FIND_DATAW& entry = search.Entry();
     // In whole-item mode everything is handed out as it is, directories and links too, on purpose.
