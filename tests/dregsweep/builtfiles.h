@@ -1,0 +1,26 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "tests/support/tempfolder.h"
+
+// The path of a file that the build puts beside the test executable.
+inline std::wstring BuiltFile(const wchar_t* name) {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring self(path);
+    return self.substr(0, self.rfind(L'\\') + 1) + name;
+}
+
+// Copies a built file into the folder under a new name; returns its full path there.
+inline std::wstring CopyBuilt(const wchar_t* name, const TempFolder& folder, const wchar_t* newName) {
+    std::wstring copy = folder / newName;
+    return CopyFileW(BuiltFile(name).c_str(), copy.c_str(), TRUE) ? copy : std::wstring();
+}
+
+template <class Function>
+Function ExportOf(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
