@@ -1,6 +1,7 @@
 #include "rules/folderscan.h"
 
 #include "rules/garbageinfo.h"
+#include "sysservices/fileaccess.h"
 
 namespace {
 
@@ -62,8 +63,13 @@ bool CFolderScan::Leave() {
     return m_everything || !withFiles || CollectFiles();
 }
 
+// Tried twice at most, the second time when the folder may be unlocked.
 CFileSearch CFolderScan::OpenSearch() {
-    return CFileSearch((m_path + L"\\*").c_str());
+    const CString pattern = m_path + L"\\*";
+    CFileSearch search(pattern.c_str());
+    if (search || !m_rule.QueryUpgradeMode()) return search;
+    UnlockPath(m_path);
+    return CFileSearch(pattern.c_str());
 }
 
 CFolderScan::Descent CFolderScan::ChooseDescent(const WIN32_FIND_DATAW& entry) {

@@ -1,14 +1,20 @@
 #include "rules/garbageinfo.h"
 
+#include <shlobj.h>
 #include <tinyxml.h>
+
+#include "cleaners/emptyprocregistry.h"
 
 #include "rules/folderscan.h"
 #include "rules/location.h"
 #include "rules/registryrule.h"
 #include "rules/systemversion.h"
 #include "sysservices/appinfomanager.h"
+#include "sysservices/comptr.h"
+#include "sysservices/fileaccess.h"
 #include "sysservices/filesearch.h"
 #include "sysservices/nothrow.h"
+#include "sysservices/trace.h"
 #include "sysservices/xmlattribute.h"
 #include "tree/gathercheckprocimpl.h"
 #include "tree/gatherprocimpl.h"
@@ -36,6 +42,8 @@ CGarbageInfo::CGarbageInfo(CGarbageCatagory* parent, IGarbageCatagory* category)
 
 CGarbageInfo::~CGarbageInfo() {
     CGarbageInfo::ClearFound();
+    m_shellItem.reset();
+    m_emptyProc.reset();
 }
 
 bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
@@ -64,6 +72,8 @@ bool CGarbageInfo::LoadFileRule(const TiXmlElement& element) {
     // As written, while the other lists are lower-cased, on purpose.
     for (CString& token : Split(excludeFilter, kListSeparator))
         ExcludeFilters.insert(std::move(token));
+    CString emptyProc;
+    if (ReadText(element, "EmptyProc", emptyProc) && !emptyProc.empty()) CreateEmptyProc(emptyProc);
     LoopPath = ReadInteger(element, "LoopPath", 0) == 1;
     ExcludePath = ReadInteger(element, "ExcludePath", 0) == 1;
     SelfExclude = ReadInteger(element, "SelfExclude", 0) == 1;
@@ -72,6 +82,12 @@ bool CGarbageInfo::LoadFileRule(const TiXmlElement& element) {
     // Without a base folder the rule loads if "Path" is there at all, and its children are never read, on purpose.
     if (FolderIndex == -1 && FolderEnvDir.empty()) return hasPath;
     return ResolveLocation(element);
+}
+
+void CGarbageInfo::CreateEmptyProc(const CString& name) {
+    m_emptyProc = EmptyProcRegistry::CreateByName(name);
+    // An unknown name costs the rule its cleaner, not its load, on purpose.
+    if (!m_emptyProc) DregsweepTrace(L"[Dregsweep] EmptyProc fail %s", name.c_str());
 }
 
 void CGarbageInfo::LoadRegistryRule(const TiXmlElement& element) {
@@ -87,14 +103,48 @@ void CGarbageInfo::LoadRegistryRule(const TiXmlElement& element) {
 
 bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
     CString base = BaseFolder(FolderIndex, FolderEnvDir);
-    if (base.empty()) return false;
-    if (!Path.empty() && base.back() != L'\\') base += L'\\';
-    Path = base + Path;
+    if (base.empty() && FolderIndex != -1) OpenVirtualFolder();
+    if (base.empty() && !m_shellItem) return false;
     // Whether the folder is there or not, on purpose: only the scan finds out.
     if (m_category) m_category->SetAppPresent(true);
+    // A virtual folder leaves the path as it was and reads no children, on purpose.
+    if (m_shellItem) return true;
+
+    if (!Path.empty() && base.back() != L'\\') base += L'\\';
+    Path = base + Path;
+    // The shell browser reads neither kind of children, and loads also when the path cannot be parsed, on purpose: the
+    // scan then takes it for a plain folder or file.
+    if (UseShellBrowse) {
+        OpenShellBrowser();
+        return true;
+    }
     if (LoopPath) LoadLoopPaths(element);
     if (ExcludePath) LoadExcludePaths(element);
     return true;
+}
+
+void CGarbageInfo::OpenVirtualFolder() {
+    CItemIdList folder;
+    if (FAILED(SHGetSpecialFolderLocation(nullptr, FolderIndex, folder.Put())) || !folder) return;
+    OpenShellItem(std::move(folder), /*wholeItemMode=*/true);
+}
+
+void CGarbageInfo::OpenShellBrowser() {
+    CComPtr<IShellFolder> desktop;
+    if (FAILED(SHGetDesktopFolder(desktop.Put()))) return;
+    CString name = Path;  // the call takes a text that it may change
+    CItemIdList folder;
+    if (FAILED(desktop->ParseDisplayName(nullptr, nullptr, name.data(), nullptr, folder.Put(), nullptr))) return;
+    OpenShellItem(std::move(folder), /*wholeItemMode=*/false);
+}
+
+void CGarbageInfo::OpenShellItem(CItemIdList folder, bool wholeItemMode) {
+    m_shellFolder = std::move(folder);
+    HRESULT result = E_FAIL;
+    m_shellItem = std::make_unique<CShellItemProc>(m_shellFolder.get(), wholeItemMode, result);
+    if (SUCCEEDED(result)) return;
+    m_shellItem.reset();
+    m_shellFolder = {};
 }
 
 void CGarbageInfo::LoadLoopPaths(const TiXmlElement& element) {
@@ -141,9 +191,11 @@ bool CGarbageInfo::Gather() {
 }
 
 bool CGarbageInfo::Scan() {
-    if (IsRegistry || Path.empty()) return true;
+    // A registry rule acts only when it is cleaned.
+    if (IsRegistry || (Path.empty() && !m_shellItem)) return true;
     ClearFound();
     ZeroVolume();
+    if (m_shellItem) return UseShellBrowse ? ListShellItems() : ScanShellFolder();
     return IsFolder ? ScanFolders() : ScanFile();
 }
 
@@ -165,10 +217,45 @@ bool CGarbageInfo::ScanFile() {
     return !search || RecordFound(Path, EntrySize(search.Entry()));
 }
 
+bool CGarbageInfo::ScanShellFolder() {
+    struct Walk {
+        CGarbageInfo& rule;
+        bool goOn = true;
+    };
+    constexpr auto onFile = [](uint32_t, const wchar_t* path, const WIN32_FIND_DATAW& findData, void* context) {
+        auto& walk = *static_cast<Walk*>(context);
+        walk.goOn = walk.rule.RecordFound(path, EntrySize(findData));
+        return walk.goOn;
+    };
+    constexpr auto onFolder = [](const wchar_t*, const wchar_t*, const WIN32_FIND_DATAW*, void* context) {
+        return static_cast<Walk*>(context)->goOn;
+    };
+    Walk walk{*this};
+    return m_shellItem->Walk(onFile, onFolder, &walk);
+}
+
+bool CGarbageInfo::ListShellItems() {
+    constexpr auto onItem = [](const SHFILEINFOW& info, CItemIdList& child, void* context) {
+        return static_cast<CGarbageInfo*>(context)->RecordShellItem(info.szDisplayName, child);
+    };
+    return m_shellItem->ListItems(onItem, this);
+}
+
+// An item without a text is listed, to be deleted, but not reported, on purpose.
+bool CGarbageInfo::RecordShellItem(const wchar_t* text, CItemIdList& itemId) {
+    const CString path = text;
+    {
+        const CLockGuard guard(m_lock);
+        m_found.push_back({path, 0, std::move(itemId)});
+    }
+    const uint64_t size = 0;
+    return path.empty() || ReportFound(path, &size, CategoryValue());
+}
+
 bool CGarbageInfo::RecordFound(const CString& path, uint64_t size) {
     {
         const CLockGuard guard(m_lock);
-        m_found.push_back({path, size});
+        m_found.push_back({path, size, {}});
     }
     return ReportFound(path, &size, CategoryValue());
 }
@@ -203,16 +290,20 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
     });
 }
 
-bool CGarbageInfo::Clean(uint64_t /*a*/, uint64_t /*b*/, uint64_t /*c*/) {
-    return NoThrow(true, [this] {
-        if (!IsRegistry) return CleanFiles();
-        // Nothing is reported for a registry rule, on purpose.
-        CleanRegistry({m_rootKey, Path, Filter, Iteration, DelKey(), ValueNames()});
-        return true;
+bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
+    return NoThrow(true, [&] {
+        // First of all and its answer not used, on purpose: what was found is deleted all the same.
+        if (m_emptyProc) m_emptyProc->Run(a, b, c);
+        if (IsRegistry) {
+            // Nothing is reported, on purpose.
+            CleanRegistry({m_rootKey, Path, Filter, Iteration, DelKey(), ValueNames()});
+            return true;
+        }
+        return m_shellItem && !UseShellBrowse ? EmptyShellFolder() : CleanFound();
     });
 }
 
-bool CGarbageInfo::CleanFiles() {
+bool CGarbageInfo::CleanFound() {
     const CLockGuard guard(m_lock);
     const uint32_t generation = m_generation;
     const auto apps = CAppInfoManager::GetInstance();
@@ -224,8 +315,10 @@ bool CGarbageInfo::CleanFiles() {
             ++item;
             continue;
         }
-        const FoundItem current = *item;  // outlives a list that the host's notification empties
-        goOn = ReportProcessed(current.path, current.size, DeleteFound(current.path));
+        const CString path = item->path;  // outlives a list that the host's notification empties
+        const uint64_t size = item->size;
+        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(item->itemId.get()) : DeleteFoundFile(path);
+        if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
         // Removed after the report and whatever became of it, on purpose: it is not tried again.
         item = m_found.erase(item);
@@ -233,13 +326,35 @@ bool CGarbageInfo::CleanFiles() {
     return goOn;
 }
 
-// Folders are never removed and no attribute is cleared, on purpose.
-bool CGarbageInfo::DeleteFound(const CString& path) {
-    return DeleteFileW(path.c_str()) != FALSE;
+// One report for everything, the rule's total as its size.
+bool CGarbageInfo::EmptyShellFolder() {
+    // A folder other than the bin is left alone, and says so; for the bin it is true whatever happened, on purpose.
+    const bool emptied = m_shellItem->EmptyRecycleBin();
+    const uint64_t size = GetTotalSize();  // a copy: on its way up the size must not change under the levels
+    uint32_t count = 0;
+    {
+        const CLockGuard guard(m_lock);
+        count = static_cast<uint32_t>(m_found.size());
+    }
+    const bool goOn = ReportEmptied(CString(), &size, CategoryValue(), emptied, count);
+    const CLockGuard guard(m_lock);
+    m_found.clear();
+    return goOn;
 }
 
-bool CGarbageInfo::ReportProcessed(const CString& path, uint64_t size, bool deleted) {
-    return ReportEmptied(path, &size, CategoryValue(), deleted, 1);
+// Folders are never removed and no attribute is cleared, on purpose.
+bool CGarbageInfo::DeleteFoundFile(const CString& path) {
+    if (DeleteFileW(path.c_str())) return true;
+    // A file in use is not tried again, on purpose.
+    if (GetLastError() == ERROR_SHARING_VIOLATION) return false;
+    return RetryDelete(path);
+}
+
+bool CGarbageInfo::RetryDelete(const CString& path) {
+    if (!QueryUpgradeMode()) return false;
+    // Its answer is not used, on purpose: the second try tells.
+    UnlockPath(path);
+    return DeleteFileW(path.c_str()) != FALSE;
 }
 
 uint64_t CGarbageInfo::CategoryValue() const noexcept {

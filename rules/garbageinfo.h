@@ -4,14 +4,18 @@
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string_view>
 
+#include "cleaners/garbageemptyproc.h"
 #include "rules/containment.h"
 #include "rules/excludepath.h"
 #include "rules/founditem.h"
 #include "rules/igarbageinfo.h"
 #include "rules/looppath.h"
+#include "sysservices/itemidlist.h"
 #include "sysservices/lock.h"
+#include "sysservices/shellitemproc.h"
 #include "tree/gatherproc.h"
 #include "tree/volumeproc.h"
 
@@ -65,7 +69,11 @@ public:
 private:
     bool LoadFileRule(const TiXmlElement& element);
     void LoadRegistryRule(const TiXmlElement& element);
+    void CreateEmptyProc(const CString& name);
     bool ResolveLocation(const TiXmlElement& element);
+    void OpenVirtualFolder();
+    void OpenShellBrowser();
+    void OpenShellItem(CItemIdList folder, bool wholeItemMode);
     void LoadLoopPaths(const TiXmlElement& element);
     void LoadLoopPath(const TiXmlElement& child);
     void LoadExcludePaths(const TiXmlElement& element);
@@ -73,9 +81,13 @@ private:
     bool Scan();
     bool ScanFolders();
     bool ScanFile();
-    bool CleanFiles();
-    bool DeleteFound(const CString& path);
-    bool ReportProcessed(const CString& path, uint64_t size, bool deleted);
+    bool ScanShellFolder();
+    bool ListShellItems();
+    bool RecordShellItem(const wchar_t* text, CItemIdList& itemId);
+    bool CleanFound();
+    bool EmptyShellFolder();
+    bool DeleteFoundFile(const CString& path);
+    bool RetryDelete(const CString& path);
     uint64_t CategoryValue() const noexcept;
 
     IGarbageCatagory* const m_category;  // the parent; kept alive by CVolumeProc
@@ -97,5 +109,8 @@ private:
     bool ExcludePath = false;  // has "ExcludePath" children
     bool SelfExclude = false;  // leave out the location's own files
     bool& DelKey() noexcept { return SelfExclude; }
-    HKEY m_rootKey = nullptr;  // a predefined root, never closed
+    HKEY m_rootKey = nullptr;   // a predefined root, never closed
+    CItemIdList m_shellFolder;  // outlives the shell item, which borrows it
+    std::unique_ptr<CShellItemProc> m_shellItem;
+    std::unique_ptr<CGarbageEmptyProc> m_emptyProc;
 };

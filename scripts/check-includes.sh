@@ -19,10 +19,10 @@ check() {  # check FOLDER ALLOWED-FOLDERS...: FOLDER may include itself, the all
 
 upward=$(
     check sysservices
-    check rules sysservices
+    check rules sysservices cleaners
     check cleaners sysservices
     check update sysservices
-    check tree sysservices rules
+    check tree sysservices rules cleaners
     check dregsweep sysservices rules tree cleaners update
 )
 [ -z "$upward" ] || { echo "includes that run upwards:"; echo "$upward"; exit 1; }

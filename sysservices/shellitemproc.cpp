@@ -166,9 +166,10 @@ bool CShellItemProc::EmptyRecycleBin() const noexcept {
     if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, bin.Put()))) return false;
     if (!CItemIdList::SameBytes(m_pidl, bin.get())) return false;
 
-    // The bins of all drives, on purpose.
+    // The bins of all drives, and the result not looked at, on purpose.
     constexpr DWORD kSilently = SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND;
-    return SUCCEEDED(SHEmptyRecycleBinW(nullptr, /*root=*/nullptr, kSilently));
+    (void)SHEmptyRecycleBinW(nullptr, /*root=*/nullptr, kSilently);
+    return true;
 }
 
 bool CShellItemProc::WalkFolder(const CString& path, FileCallback onFile, FolderCallback onFolder, void* context,

@@ -70,7 +70,8 @@ public:
     [[nodiscard]] bool InvokeDelete(LPCITEMIDLIST childPidl) const noexcept;
 
     // Empties the recycle bins of all drives without confirmation, progress window and sound. Acts only in whole-item
-    // mode and when the folder is the recycle bin. True when the bins were emptied.
+    // mode and when the folder is the recycle bin. True when it acted, whatever came of it; false when it left the bins
+    // alone.
     [[nodiscard]] bool EmptyRecycleBin() const noexcept;
 
     // Walks a folder of the file system, with `recurse` its subfolders too. Subfolders and files come in the order of
