@@ -4,10 +4,15 @@
 #include <tinyxml.h>
 
 #include <algorithm>
+#include <optional>
 
+#include "dregsweep/companion.h"
 #include "dregsweep/progressranges.h"
+#include "dregsweep/redirection.h"
+#include "dregsweep/restoreprivilege.h"
 #include "sysservices/appinfomanager.h"
 #include "sysservices/nothrow.h"
+#include "sysservices/privilegecontext.h"
 #include "sysservices/trace.h"
 #include "sysservices/xmldocument.h"
 #include "tree/residtexttable.h"
@@ -42,6 +47,17 @@ bool BeginsWith(const CString& path, const CString& prefix) noexcept {
                       [](wchar_t a, wchar_t b) { return FoldAscii(a) == FoldAscii(b); });
 }
 
+// Before anything is cleaned, whether or not anything will be, on purpose.
+void SendUsageEvents(const std::vector<CReference<CAppCatagory>>& categories) noexcept {
+    constexpr uint32_t kCategoryOfType0 = 0x11003;
+    constexpr uint32_t kCategoryOfType2 = 0x11004;
+    for (const auto& category : categories) {
+        if (category->GetState() == 0) continue;
+        if (category->CatagoryType == 0) SendUsageEvent(kCategoryOfType0);
+        if (category->CatagoryType == 2) SendUsageEvent(kCategoryOfType2);
+    }
+}
+
 uint32_t CountSelected(const std::vector<CReference<CAppCatagory>>& categories) {
     return static_cast<uint32_t>(std::count_if(categories.begin(), categories.end(),
                                                [](const auto& category) { return category->GetState() != 0; }));
@@ -52,6 +68,8 @@ uint32_t CountSelected(const std::vector<CReference<CAppCatagory>>& categories) 
 CDregsweep::CDregsweep(bool upgradeMode) : CVolumeProc(nullptr), m_upgradeMode(upgradeMode) {
     // Never balanced and the result not looked at, on purpose: the host's thread keeps its apartment.
     (void)CoInitialize(nullptr);
+    // In upgrade mode only, and the result not looked at, on purpose.
+    if (m_upgradeMode) EnablePrivileges(RestoreContext());
 }
 
 CDregsweep::~CDregsweep() {
@@ -87,14 +105,27 @@ uint64_t CDregsweep::Init(const wchar_t* configPath, const wchar_t* textPath, IT
 }
 
 uint64_t CDregsweep::DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) {
+    // A companion that refuses decides the result; a missing one is no error, on purpose.
+    if (const uint64_t code = StartCompanion()) return code;
     m_configPath = configPath;
     if (const auto apps = CAppInfoManager::GetInstance()) apps->Load();
     if (const uint64_t code = LoadConfigFile()) return code;
     m_initialised = true;
+    EnableRestorePrivilege();
     // Through the table of virtual functions, and its result not used, on purpose.
     IDregsweep* self = this;
     self->ChangeResID(textPath, selector);
     return 0;
+}
+
+uint64_t CDregsweep::StartCompanion() {
+    // The one of an earlier Init that failed goes first.
+    m_companion = {};
+    m_companion = CReference<ICompanionObject>(LoadFactoryExport(kTallyhostLibrary, /*exportName=*/nullptr));
+    if (!m_companion) return 0;
+    const uint64_t code = NoThrow<uint64_t>(0, [this] { return m_companion->Start(); });
+    if (code != 0) DregsweepTrace(L"[Dregsweep] Init fail %d", GetLastError());
+    return code;
 }
 
 uint64_t CDregsweep::LoadConfigFile() {
@@ -127,6 +158,7 @@ uint64_t CDregsweep::Uninit() {
     if (!m_initialised) return 0;
     const CLockGuard guard(m_categories.Lock());
     ReleaseCategories();
+    m_companion = {};
     m_initialised = false;
     // The allowed paths stay, on purpose.
     return 0;
@@ -194,6 +226,8 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
     // Even when nothing is selected, on purpose.
     ZeroVolume();
     ResetForGather();
+    TellCompanionOfRun();
+    const CRedirectionOff redirection;
 
     const Categories categories = ShareCategories();
     CProgressRanges ranges(CountSelected(categories));
@@ -222,11 +256,16 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     const auto keepAlive = CReference<CDregsweep>::Share(this);
     const CLockGuard guard(m_categories.Lock());
     if (!m_initialised) return true;
+    std::optional<CRedirectionOff> redirection;  // reverted only after the callback is gone
     const CallbackScope scope(m_callback, callback);
     PrepareForClean();
+    // Before the companion is told, unlike in a gather, on purpose.
+    redirection.emplace();
+    TellCompanionOfRun();
 
     const Categories categories = ShareCategories();
     const uint32_t selected = CountSelected(categories);
+    SendUsageEvents(categories);
     if (selected == 0) return true;
     CProgressRanges ranges(selected);
     bool goOn = true;
@@ -241,6 +280,14 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
         goOn = category->RunClean();
     }
     return goOn;
+}
+
+void CDregsweep::TellCompanionOfRun() noexcept {
+    if (!m_companion) return;
+    NoThrow(false, [this] {
+        m_companion->BeginRun();
+        return true;
+    });
 }
 
 CDregsweep::Categories CDregsweep::ShareCategories() {

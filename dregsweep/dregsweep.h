@@ -7,6 +7,7 @@
 #include <source_location>
 #include <vector>
 
+#include "dregsweep/icompanionobject.h"
 #include "dregsweep/idregsweep.h"
 #include "rules/reference.h"
 #include "sysservices/lock.h"
@@ -57,6 +58,7 @@ private:
     using Categories = std::vector<CReference<CAppCatagory>>;
 
     uint64_t DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector);
+    uint64_t StartCompanion();
     uint64_t LoadConfigFile();
     bool LoadConfig(const TiXmlElement* root);
     bool LoadCategories(const TiXmlElement& root);
@@ -65,6 +67,7 @@ private:
 
     bool RunGather(IDregsweepCallback* callback);
     bool RunClean(IDregsweepCallback* callback);
+    void TellCompanionOfRun() noexcept;
     Categories ShareCategories();
     template <class Visit>
     bool EachCategory(Visit visit) noexcept;
@@ -72,6 +75,7 @@ private:
     bool AskHost(const wchar_t* cancelTrace, Call call,
                  std::source_location line = std::source_location::current()) noexcept;
 
+    CReference<ICompanionObject> m_companion;  // null when its library is absent
     std::atomic<bool> m_initialised{false};
     const bool m_upgradeMode;
     CChildList<CAppCatagory, IAppCatagory> m_categories;  // with the category lock and the cursor

@@ -86,6 +86,21 @@ public:
     virtual bool HostNotify3(uint64_t arg) = 0;
 };
 
-// The type of the exports "GetImp" and "GetPrivacyProcImp" (one function): a new engine, not yet initialised, with one
-// reference for the caller; null when memory runs out.
+// The exports that hand out engines. None of them throws.
+//
+// "GetImp" and "GetPrivacyProcImp" (one function): a new engine, not yet initialised, with one reference for the
+// caller; null when memory runs out.
+//
+// "GetSysUpgradeClearImp": an engine for the leftovers of a system upgrade, initialised from "SysUpgradeConfig.xml" and
+// "ResIDText.xml" beside the host's executable, in upgrade mode: files and folders that refuse are unlocked and tried
+// once more, for which it enables the restore and take-ownership privileges of the process. An engine without
+// categories when the first file is missing or broken; null when Init refuses or memory runs out.
 using DregsweepFactory = IDregsweep* (*)();
+
+// The exports "StartFunc" and "EndFunc", each a one-byte boolean. StartFunc starts the companion service; true also
+// when it runs already. EndFunc does nothing and answers true.
+using DregsweepServiceFunction = bool (*)();
+
+// While the library is loaded, an exception in the process that nobody handles leaves "dsw.dmp" in the folder of the
+// host's executable; the exception filter that was there before is discarded. Before FreeLibrary, release every engine
+// and node: their code goes with the library.

@@ -1,0 +1,11 @@
+#include "dregsweep/upgradefiles.h"
+
+#include <windows.h>
+
+CUpgradeFiles FindUpgradeFiles() {
+    wchar_t path[MAX_PATH] = {};
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring_view executable(path, length);
+    const std::wstring_view folder = executable.substr(0, executable.rfind(L'\\'));
+    return {JoinPath(folder, L"SysUpgradeConfig.xml"), JoinPath(folder, L"ResIDText.xml")};
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "sysservices/text.h"
+
+// The files of the upgrade clean-up, beside the host's executable (not beside this library).
+struct CUpgradeFiles {
+    CString configPath;  // the rules, "SysUpgradeConfig.xml"
+    CString textPath;    // the localised names, "ResIDText.xml"
+};
+
+// Neither file need exist.
+CUpgradeFiles FindUpgradeFiles();
