@@ -71,6 +71,7 @@ CInetHandle CDownload::OpenRequest(int row) const noexcept {
     return request;
 }
 
+// The size only goes to the receiver; it neither bounds nor ends the transfer, on purpose, and a file ignores it.
 bool CDownload::LearnSize(HINTERNET request) {
     const DWORD size = InternetSetFilePointer(request, 0, nullptr, FILE_END, 0);
     DregsweepTrace(L"[InternetFileProc] InternetSetFilePointer ret 0x%x,%s,%d", size, m_url, GetLastError());

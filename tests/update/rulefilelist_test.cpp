@@ -91,6 +91,11 @@ TEST_F(RuleFileListTest, ReplacesTheSetOrStops) {
         EXPECT_EQ(Replace(row.list), row.result) << row.list.substr(0, 30);
         EXPECT_EQ(Files(), row.files) << row.list.substr(0, 30);
     }
+    const std::pair<std::wstring, uint32_t> lists[] = {{L"list.txt", kListNotReady},
+                                                       {L"http://127.0.0.1:9/list.txt", kFileFailed},
+                                                       {m_server.Url(L"/rules/gone.xml"), kFileSizeUnknown}};
+    for (const auto& [url, result] : lists)
+        EXPECT_EQ(m_update->GetFileListFromURL(url.c_str(), m_folder.path().c_str()), result);
     const auto requests = m_server.Requests();
     EXPECT_TRUE(std::ranges::none_of(requests, [](const auto& path) { return path.find("..") != path.npos; }));
     m_folder.MakeFolder(L"sub");
@@ -111,14 +116,4 @@ TEST_F(RuleFileListTest, ATargetInUseEndsTheReplacement) {
         std::vector(lines.end() - 2, lines.end()),
         ElementsAre(L"[InternetFileProc] Rename file in GetFileListFromURL fail,b.xml,183",
                     L"[InternetFileProc] GetFileListFromURL fail," + m_server.Url(L"/rules/list.txt") + L",0x1b30001"));
-}
-
-TEST_F(RuleFileListTest, ListsThatCannotBeHad) {
-    const auto get = [&](const std::wstring& url) {
-        return m_update->GetFileListFromURL(url.c_str(), m_folder.path().c_str());
-    };
-    EXPECT_EQ(get(L"list.txt"), kListNotReady);
-    EXPECT_EQ(get(L"http://127.0.0.1:9/list.txt"), kFileFailed);
-    EXPECT_EQ(get(m_server.Url(L"/rules/gone.xml")), kFileSizeUnknown);
-    EXPECT_FALSE(m_folder.Has(L"list.txt"));
 }
