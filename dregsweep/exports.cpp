@@ -7,6 +7,7 @@
 #include "dregsweep/dregsweep.h"
 #include "dregsweep/upgradefiles.h"
 #include "sysservices/nothrow.h"
+#include "update/internetfileproc.h"
 
 // The module boundary. Every export is named in Dregsweep.def; none of them throws.
 
@@ -37,6 +38,10 @@ extern "C" IDregsweep* GetImp() noexcept {
 
 extern "C" IDregsweep* GetSysUpgradeClearImp() noexcept {
     return NoThrow<IDregsweep*>(nullptr, CreateUpgradeEngine);
+}
+
+extern "C" IInternetFileProc* GetInetFileProcImp() noexcept {
+    return SharedInternetFileProc();
 }
 
 extern "C" bool StartFunc() noexcept {
