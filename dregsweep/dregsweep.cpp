@@ -78,15 +78,17 @@ CDregsweep::~CDregsweep() {
     CAppInfoManager::ReleaseInstance();
 }
 
+uint32_t CDregsweep::AddRef() noexcept {
+    ++m_outsideReferences;
+    return IEUObject::AddRef();
+}
+
 uint32_t CDregsweep::Release() noexcept {
-    // Read while the reference in hand still keeps the engine.
-    const uint32_t held = m_categoryCount;
-    const uint32_t left = IEUObject::Release();
-    if (held == 0 || left != held) return left;
-    // Only its own categories hold it any more: let go of them, and of the engine with the last of them.
-    AddRef();
-    CDregsweep::Uninit();
-    ReleaseCategories();
+    if (--m_outsideReferences == 0) {
+        // Only its own categories hold it besides: let go of them, also of those that a failed Init has left.
+        CDregsweep::Uninit();
+        m_categories.Release();
+    }
     return IEUObject::Release();
 }
 
@@ -136,12 +138,14 @@ uint64_t CDregsweep::LoadConfigFile() {
 }
 
 bool CDregsweep::LoadConfig(const TiXmlElement* root) {
-    const bool loaded = root && LoadCategories(*root);
+    const bool loaded = NoThrow(false, [&] { return root && LoadCategories(*root); });
     if (!loaded) DregsweepTrace(L"[Dregsweep] LoadConfig fail");
     return loaded;
 }
 
 bool CDregsweep::LoadCategories(const TiXmlElement& root) {
+    // The one name that is not written "Catagory", compared with regard to case; foreign elements are skipped. All on
+    // purpose.
     constexpr std::string_view kTag = "AppCategoryInfo";
     // A root without any child element fails, one with foreign elements only does not, on purpose.
     if (!root.FirstChildElement()) return false;
@@ -149,7 +153,6 @@ bool CDregsweep::LoadCategories(const TiXmlElement& root) {
         if (child->Value() != kTag) continue;
         // The categories before a failing one stay in the list, on purpose.
         if (!m_categories.LoadAndAppend(new CAppCatagory(this, this), child)) return false;
-        ++m_categoryCount;
     }
     return true;
 }
@@ -157,19 +160,15 @@ bool CDregsweep::LoadCategories(const TiXmlElement& root) {
 uint64_t CDregsweep::Uninit() {
     if (!m_initialised) return 0;
     const CLockGuard guard(m_categories.Lock());
-    ReleaseCategories();
+    m_categories.Release();
     m_companion = {};
     m_initialised = false;
-    // The allowed paths stay, on purpose.
+    // The allowed paths stay, on purpose, and the totals until the next gather.
     return 0;
 }
 
-void CDregsweep::ReleaseCategories() noexcept {
-    m_categoryCount = 0;
-    m_categories.Release();
-}
-
 uint64_t CDregsweep::ChangeResID(const wchar_t* textPath, ITextSelector* selector) {
+    // Without a trace, on purpose.
     if (!textPath) return kDregsweepChangeResID;
     const uint64_t code = NoThrow(kDregsweepChangeResID, [&] { return LoadTexts(textPath, selector); });
     // Never 0 and traced every time, on purpose, also when every category took its text.
@@ -233,12 +232,12 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
     CProgressRanges ranges(CountSelected(categories));
     bool goOn = true;
     for (const auto& category : categories) {
-        if (!goOn) break;
+        if (!goOn || !m_initialised) break;
         if (category->GetState() == 0) continue;
+        // One by one: a gather that is stopped does not mark the categories behind.
+        category->Mark(reinterpret_cast<uint64_t>(callback));
         const ProgressRange range = ranges.Next();
         category->SetRange(range.begin, range.end);
-        // Marked one by one: a category behind a cancelled one stays unmarked, and so is never cleaned.
-        category->Mark(reinterpret_cast<uint64_t>(callback));
         goOn = category->RunGather();
     }
     return goOn;
@@ -270,7 +269,7 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     CProgressRanges ranges(selected);
     bool goOn = true;
     for (const auto& category : categories) {
-        if (!goOn) break;
+        if (!goOn || !m_initialised) break;
         if (category->GetState() != 0) {
             const ProgressRange range = ranges.Next();
             category->SetRange(range.begin, range.end);
@@ -299,13 +298,12 @@ CDregsweep::Categories CDregsweep::ShareCategories() {
     return categories;
 }
 
-// The categories are held meanwhile, the lock is not: what is called may call back into the engine.
+// With the category lock held: nothing that is called here reaches the host.
 template <class Visit>
-bool CDregsweep::EachCategory(Visit visit) noexcept {
-    if (!m_initialised) return false;
-    return NoThrow(false, [&] {
-        for (const auto& category : ShareCategories())
-            visit(*category);
+void CDregsweep::EachCategory(Visit visit) noexcept {
+    if (!m_initialised) return;
+    m_categories.VisitLocked([&](CAppCatagory& category) {
+        visit(category);
         return true;
     });
 }

@@ -25,7 +25,9 @@ public:
     explicit CDregsweep(bool upgradeMode);
     ~CDregsweep() override;
 
-    // IEUObject. The references that the engine's own categories hold do not keep it alive.
+    // IEUObject. Counts the references from outside apart from those that its own categories hold, which do not keep
+    // the engine alive.
+    uint32_t AddRef() noexcept override;
     uint32_t Release() noexcept override;
 
     // IDregsweep
@@ -63,25 +65,24 @@ private:
     bool LoadConfig(const TiXmlElement* root);
     bool LoadCategories(const TiXmlElement& root);
     uint64_t LoadTexts(const wchar_t* textPath, ITextSelector* selector);
-    void ReleaseCategories() noexcept;
 
     bool RunGather(IDregsweepCallback* callback);
     bool RunClean(IDregsweepCallback* callback);
     void TellCompanionOfRun() noexcept;
     Categories ShareCategories();
     template <class Visit>
-    bool EachCategory(Visit visit) noexcept;
+    void EachCategory(Visit visit) noexcept;
     template <class Call>
     bool AskHost(const wchar_t* cancelTrace, Call call,
                  std::source_location line = std::source_location::current()) noexcept;
 
+    std::atomic<uint32_t> m_outsideReferences{1};
     CReference<ICompanionObject> m_companion;  // null when its library is absent
     std::atomic<bool> m_initialised{false};
     const bool m_upgradeMode;
     CChildList<CAppCatagory, IAppCatagory> m_categories;  // with the category lock and the cursor
-    std::atomic<uint32_t> m_categoryCount{0};             // each category in the list holds one reference on the engine
     IDregsweepCallback* m_callback = nullptr;             // the host's, during a run; guarded by the category lock
     CString m_configPath;
-    CLock m_pathLock;  // guards the allowed paths; never held together with the category lock by the engine's own code
+    CLock m_pathLock;  // guards the allowed paths; taken briefly, during a run inside the category lock
     std::list<CString> m_allowedPaths;
 };

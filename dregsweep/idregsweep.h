@@ -19,7 +19,7 @@
 #include "tree/itextselector.h"
 
 // What Init and ChangeResID return. 0 is success, or that there was nothing to do.
-constexpr uint64_t kDregsweepConfigFailed = 0x990006;  // Init: no category element loaded, or one failed to load
+constexpr uint64_t kDregsweepConfigFailed = 0x990006;  // Init: a root without child elements, or a category that failed
 constexpr uint64_t kDregsweepChangeResID = 0xAC0006;   // ChangeResID: in every other case, success included
 constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file has no "Dregsweep" element
 
@@ -27,12 +27,15 @@ constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file 
 // threads: everything runs on the calling thread. Nothing throws; when memory runs out an operation gives up with the
 // answer named below.
 //
+// The factory calls CoInitialize and nothing calls CoUninitialize, so the creating thread keeps its apartment.
+//
 // The engine lives until the host has given up its last reference, also when Uninit was not called. A category that the
 // host still holds stays valid, without children, and keeps the engine until it is released.
 //
 // Threads: AddRef and Release from any thread; AddAllowedPath and ClearAllowedPaths too. A second run, the enumeration,
-// ChangeResID and Uninit wait while another thread's run lasts. Do not call Init from two threads at once, nor change
-// the selection during another thread's run.
+// ChangeResID and Uninit wait while another thread's run lasts; what hangs below the categories does not wait, so leave
+// the tree (enumeration, selection, found items) alone during another thread's run. Do not call Init from two threads
+// at once, nor the step notifications from a thread other than the run's.
 class IDregsweep : public CGatherIteratorProc<IAppCatagory>, public virtual IEUObject, public virtual CGarbageVolume {
 public:
     // Enumerate the top-level categories, in the order of the rule file, each with a reference for the caller. Null at
@@ -42,13 +45,13 @@ public:
     IAppCatagory* GetNextCategory(IAppCatagory* current) { return GetNextChild(current); }
 
     // Reads the rule file (XML) and the localised names (XML, see ChangeResID). Paths are null-terminated UTF-16 of any
-    // length; nothing is kept of the pointers. `selector` may be null; it is called during Init only.
-    // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing or is no
-    // XML, on purpose: look at GetFirstCategory. Returns 0 and does nothing when it is ready already or a path is null.
-    // Returns kDregsweepConfigFailed when the root has no child element or a category fails to load: the engine is not
-    // ready, and the categories before the failing one stay in its list, ahead of those of a later Init. Returns the
-    // companion library's code when that refuses to start.
-    // Calls CoInitialize at construction and never CoUninitialize, so the creating thread keeps its apartment.
+    // length; the pointers are not kept. `selector` may be null; it is called during Init only.
+    // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing, is no
+    // XML or is open for writing elsewhere, on purpose: look at GetFirstCategory. Returns 0 and does nothing when it is
+    // ready already or a path is null. Returns kDregsweepConfigFailed when the file has no element, its root
+    // has no child element, a category fails to load or memory runs out: the engine is not ready, and the categories
+    // before the failing one stay in its list, ahead of those of a later Init. Returns the companion library's code
+    // when that refuses to start.
     virtual uint64_t Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) = 0;
     // Lets go of all categories; a further Init may follow. The allowed paths stay. Always 0.
     virtual uint64_t Uninit() = 0;
@@ -70,15 +73,17 @@ public:
     // stopped it (totals stay as far as they got) or memory ran out.
     virtual bool Gather(IDregsweepCallback* callback) = 0;
     // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
-    // cleaners among them that the Gather had marked. Arguments and answers as for Gather. A rule that no Gather has
-    // marked is never cleaned.
+    // cleaners among them. Arguments and answers as for Gather. A rule that no Gather has ever reached while it was
+    // selected is never cleaned; one that any Gather has reached may be, on purpose, also when a later one was stopped
+    // before it.
     virtual bool Clean(IDregsweepCallback* callback) = 0;
     // What Gather and Clean do to all categories before they start. Always true.
     virtual bool ResetForGather() = 0;
     virtual bool PrepareForClean() = 0;
     // Selects everything, or nothing. A partly selected category is toggled twice. Always 0.
     virtual uint64_t SetAllChecked(bool checked) = 0;
-    // Zeroes all totals, and restores the selection of the rule file, on purpose. Always 0.
+    // Zeroes all totals, and restores the selection of the rule file, on purpose. What was found stays listed, so a
+    // Clean still deletes it. Always 0.
     virtual uint64_t ClearTotals() = 0;
     // Relay `arg` to the host's step notifications; true when no run is in progress.
     virtual bool HostNotify1(uint64_t arg) = 0;

@@ -16,7 +16,10 @@ bool IsDotName(const wchar_t* name) noexcept {
 
 }  // namespace
 
-CFolderScan::CFolderScan(CGarbageInfo& rule) : m_rule(rule), m_everything(rule.Filter == L"*") {}
+CFolderScan::CFolderScan(CGarbageInfo& rule)
+    : m_rule(rule),
+      m_generation(rule.Generation()),
+      m_everything(rule.Filter == L"*") {}
 
 bool CFolderScan::ScanFolder(const CString& folder, bool withFiles) {
     m_path = folder;
@@ -98,5 +101,5 @@ bool CFolderScan::CollectFiles() {
 bool CFolderScan::CollectFile(const WIN32_FIND_DATAW& entry) {
     if (m_rule.IsExcludedName(entry.cFileName)) return true;
     AppendName(entry.cFileName);
-    return m_rule.RecordFound(m_path, EntrySize(entry));
+    return m_rule.RecordFound(m_path, EntrySize(entry), m_generation);
 }

@@ -39,6 +39,7 @@ private:
     void AppendName(const wchar_t* name) { m_path.append(1, L'\\').append(name); }
 
     CGarbageInfo& m_rule;
+    const uint32_t m_generation;
     // One pass over everything, instead of one for the folders and one with the pattern.
     const bool m_everything;
     CString m_path;

@@ -7,6 +7,7 @@
 
 #include "rules/folderscan.h"
 #include "rules/location.h"
+#include "rules/reference.h"
 #include "rules/registryrule.h"
 #include "rules/systemversion.h"
 #include "sysservices/appinfomanager.h"
@@ -24,6 +25,7 @@ namespace {
 
 constexpr std::wstring_view kListSeparator = L"|";
 
+// Without regard to case, unlike the elements of the levels above, on purpose.
 bool IsChildNamed(const TiXmlElement& child, const char* name) {
     return _stricmp(child.Value(), name) == 0;
 }
@@ -56,8 +58,10 @@ bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
 }
 
 bool CGarbageInfo::LoadFileRule(const TiXmlElement& element) {
+    // A flag needs exactly 1, but for "IsFolder" and "UseShellBrowse", which any other number sets too, on purpose.
     const bool hasPath = ReadText(element, "Path", Path);
     const int32_t getByReg = ReadInteger(element, "GetByReg", 0);
+    // Empty when anything is missing: beside a base folder that then means the whole base folder, on purpose.
     if (getByReg == 1) Path = PathFromRegistry(element, Path);
     // Without an attribute of its own the value of "GetByReg" is taken over, on purpose, be it 1 or 2.
     IsFolder = ReadInteger(element, "IsFolder", getByReg) != 0;
@@ -214,23 +218,24 @@ bool CGarbageInfo::ScanFolders() {
 // One match only, listed under the rule's path with its wildcards, on purpose. Such an item cannot be deleted.
 bool CGarbageInfo::ScanFile() {
     const CFileSearch search(Path.c_str());
-    return !search || RecordFound(Path, EntrySize(search.Entry()));
+    return !search || RecordFound(Path, EntrySize(search.Entry()), m_generation);
 }
 
 bool CGarbageInfo::ScanShellFolder() {
     struct Walk {
         CGarbageInfo& rule;
+        uint32_t generation;
         bool goOn = true;
     };
     constexpr auto onFile = [](uint32_t, const wchar_t* path, const WIN32_FIND_DATAW& findData, void* context) {
         auto& walk = *static_cast<Walk*>(context);
-        walk.goOn = walk.rule.RecordFound(path, EntrySize(findData));
+        walk.goOn = walk.rule.RecordFound(path, EntrySize(findData), walk.generation);
         return walk.goOn;
     };
     constexpr auto onFolder = [](const wchar_t*, const wchar_t*, const WIN32_FIND_DATAW*, void* context) {
         return static_cast<Walk*>(context)->goOn;
     };
-    Walk walk{*this};
+    Walk walk{*this, m_generation};
     return m_shellItem->Walk(onFile, onFolder, &walk);
 }
 
@@ -252,9 +257,10 @@ bool CGarbageInfo::RecordShellItem(const wchar_t* text, CItemIdList& itemId) {
     return path.empty() || ReportFound(path, &size, CategoryValue());
 }
 
-bool CGarbageInfo::RecordFound(const CString& path, uint64_t size) {
+bool CGarbageInfo::RecordFound(const CString& path, uint64_t size, uint32_t generation) {
     {
         const CLockGuard guard(m_lock);
+        if (generation != m_generation) return true;
         m_found.push_back({path, size, {}});
     }
     return ReportFound(path, &size, CategoryValue());
@@ -277,9 +283,10 @@ void CGarbageInfo::ClearFound() {
 void CGarbageInfo::EnumFound(IVisitor* visitor) {
     if (!visitor) return;
     NoThrow(false, [&] {
+        const auto keepAlive = CReference<CGarbageInfo>::Share(this);
         const CLockGuard guard(m_lock);
         const uint32_t generation = m_generation;
-        CString path;  // outlives the item when the visitor has the rule scanned anew
+        CString path;  // outlives the item when the visitor has the rule scanned or cleaned
         for (auto item = m_found.begin(); item != m_found.end(); ++item) {
             if (item->path.empty()) continue;
             path = item->path;
@@ -305,7 +312,7 @@ bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
 
 bool CGarbageInfo::CleanFound() {
     const CLockGuard guard(m_lock);
-    const uint32_t generation = m_generation;
+    uint32_t generation = m_generation;
     const auto apps = CAppInfoManager::GetInstance();
     bool goOn = true;
     for (auto item = m_found.begin(); goOn && item != m_found.end();) {
@@ -322,6 +329,7 @@ bool CGarbageInfo::CleanFound() {
         if (generation != m_generation) break;
         // Removed after the report and whatever became of it, on purpose: it is not tried again.
         item = m_found.erase(item);
+        generation = ++m_generation;
     }
     return goOn;
 }
@@ -339,6 +347,7 @@ bool CGarbageInfo::EmptyShellFolder() {
     const bool goOn = ReportEmptied(CString(), &size, CategoryValue(), emptied, count);
     const CLockGuard guard(m_lock);
     m_found.clear();
+    ++m_generation;
     return goOn;
 }
 

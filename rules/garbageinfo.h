@@ -52,6 +52,8 @@ public:
     // CVolumeProc
     bool LoadXml(const TiXmlElement* element) override;
     bool SaveXml(TiXmlElement* parentElement) override;
+    // A rule has no children; it forgets what it found, so that a running clean has nothing more to delete.
+    void ReleaseContent() noexcept override { ClearFound(); }
 
     // CGatherProc. Running out of memory costs the rule what it has not yet done, not the run.
     bool Gather() override;
@@ -63,8 +65,11 @@ public:
     bool IsExcludedName(std::wstring_view name) const { return ExcludeFilters.contains(name); }
     // `onlyOwnFiles` is set when what is below the excluded folder is still to be scanned.
     bool IsExcludedPath(std::wstring_view folderPath, std::wstring_view name, bool& onlyOwnFiles) const;
-    // Lists a found file and reports it; false when the host asked to stop.
-    bool RecordFound(const CString& path, uint64_t size);
+    // Which list a scan fills; it changes with every item that leaves the list.
+    uint32_t Generation() const noexcept { return m_generation; }
+    // Lists a found file and reports it; false when the host asked to stop. A scan whose list is gone, since the host
+    // had the rule scanned anew from a notification, has nothing more to say.
+    bool RecordFound(const CString& path, uint64_t size, uint32_t generation);
 
 private:
     bool LoadFileRule(const TiXmlElement& element);
@@ -94,8 +99,8 @@ private:
 
     CLock m_lock;  // guards the found items and the generation
     std::list<FoundItem> m_found;
-    // Counts the times that the list was emptied: a walk that is interrupted by a notification, in which the host scans
-    // anew, can tell that its list is gone.
+    // Counts up with every item that leaves the list: a walk that was interrupted by a notification, from which the
+    // host scans or cleans, can tell that its place in the list may be gone.
     uint32_t m_generation = 0;
 
     // The rest of what the rule file says. Two members serve both kinds of rule, on purpose.

@@ -33,7 +33,7 @@ public:
 
     // The engine's own operations on the counters. Hosts do not call these.
 
-    // Zeroes sizes and counts; the stage stays.
+    // Zeroes sizes and counts; the stage stays, and the levels above keep theirs, on purpose.
     void ZeroVolume() noexcept {
         TotalSize = PendingSize = 0;
         TotalCount = PendingCount = 0;

@@ -21,8 +21,9 @@ std::list<CString> ValueNamesOf(const CRegistryKey& key) {
     return names;
 }
 
-// All names are known before anything is deleted, so that deletions do not disturb the enumeration. Without a list the
-// unnamed default value goes too, on purpose.
+// All names are known before anything is deleted, so that deletions do not disturb the enumeration. Without a name, be
+// it that "Value" is missing, empty or only separators, every value goes, the unnamed one too, on purpose. No view is
+// asked for, on purpose: the process's own serves.
 void DeleteValues(const RegistryRule& rule, const CString& keyPath) {
     if (!rule.root || keyPath.empty()) return;
     if (rule.deleteKey) {

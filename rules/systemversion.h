@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// Facts about the system, each looked up on the first call and kept. Any thread: a race only repeats the look-up.
+// Facts about the system, each looked up on the first call and kept. Any thread.
 
 // Is this a 32-bit process on a 64-bit system?
 bool IsWow64() noexcept;

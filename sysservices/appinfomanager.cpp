@@ -26,8 +26,8 @@ constexpr size_t kStackPathChars = 512;
 
 std::atomic<std::shared_ptr<CAppInfoManager>> g_instance;
 
-// In lower case. A path that does not fit is cut off by the call and leaves a folder above the host's, which protects
-// more; an empty one stays empty.
+// In lower case. An executable in the root of a drive protects the whole drive. A path that does not fit is cut off by
+// the call and leaves a folder above the host's, which protects more; an empty one stays empty.
 CString HostFolder() {
     wchar_t path[kModulePathChars];
     const std::wstring_view file(path, GetModuleFileNameW(nullptr, path, kModulePathChars));
@@ -123,7 +123,7 @@ bool CAppInfoManager::Find(std::wstring_view displayName, CInstalledApp& out) no
     return false;
 }
 
-// A substring, on purpose, not a prefix: the folder may stand behind "\\?\" or in another form of the path.
+// A substring, on purpose, not a prefix. Another spelling of the folder (doubled separators, short names) is not seen.
 bool CAppInfoManager::IsInHostFolder(std::wstring_view path) const noexcept {
     // Lower-casing keeps the length.
     if (m_hostFolder.empty() || path.size() < m_hostFolder.size()) return false;

@@ -45,6 +45,7 @@ bool CAppCatagory::LoadXml(const TiXmlElement* element) {
     LargeIcon = ReadInteger(*element, "LargeIcon", LargeIcon);
     ReadText(*element, "Icon", Icon);
     const bool childrenLoaded = LoadChildren(*element);
+    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName && childrenLoaded;
 }
 

@@ -22,6 +22,7 @@ bool CAppGarbageInfo::Discard() {
     // A copy: on its way up the size must not change under the levels that subtract it.
     const uint64_t size = GetTotalSize();
     if (CAppCatagory* parent = GetParent()) parent->SubtractVolume(&size);
+    // Marks, and does not unmark, on purpose.
     return Mark(0);
 }
 
@@ -53,11 +54,13 @@ bool CAppGarbageInfo::LoadXml(const TiXmlElement* element) {
     LargeIcon = ReadInteger(*element, "LargeIcon", LargeIcon);
     ReadText(*element, "Icon", Icon);
     ReadText(*element, "ProductName", ProductName);
+    // Exactly 1, on purpose: 2 counts as absent.
     const bool isInBuildProgram = ReadInteger(*element, "InBuildProgram", -1) == 1;
     ReadText(*element, "LockFile", LockFile);
     const bool childrenLoaded = LoadChildren(*element);
     // Also when a child failed, on purpose.
     SettlePresence(isInBuildProgram);
+    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName && childrenLoaded;
 }
 

@@ -39,6 +39,7 @@ bool CGarbageCatagory::LoadXml(const TiXmlElement* element) {
     const TiXmlElement* rulesForXp = IsXpOrOlder() ? element->FirstChildElement("XP") : nullptr;
     // The old system's rules replace the category's own; on a newer system they are ignored, on purpose.
     LoadRules(rulesForXp ? *rulesForXp : *element);
+    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName;
 }
 

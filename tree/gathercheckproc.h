@@ -25,7 +25,8 @@ public:
     CGatherCheckProc& operator=(const CGatherCheckProc&) = delete;
 
     // Turns none into all, and partly or all into none; gives everything below the same state and recomputes the nodes
-    // above.
+    // above. That walks the children of all of them and moves their cursors: do not toggle in the middle of an
+    // enumeration, collect the nodes first.
     virtual void Toggle();
     // The state: a SelectionState, or whatever number the rule file gave.
     virtual uint32_t GetState() { return m_state; }

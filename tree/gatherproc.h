@@ -42,6 +42,7 @@ private:
     template <class Visit>
     void EachChild(Visit visit);
     bool Run(Pass pass);
+    bool ReportRange();
     bool RunChildren(Pass pass);
 
     bool m_marked = false;  // never cleared again, on purpose

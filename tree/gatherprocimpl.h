@@ -63,12 +63,13 @@ bool CGatherProc<Self, Child>::Run(Pass pass) {
     Node().AdvanceStage();
     // A clean keeps the totals of the gather: each deleted item lowers them.
     if (pass == Pass::Gather) Node().ZeroVolume();
-    if (!Node().ReportProgress(TruncateToUint32(m_rangeBegin), TruncateToUint32(m_rangeEnd))) return false;
     bool goOn = false;
     if constexpr (kIsLeaf) {
+        // A rule reports its range when it is gathered only, on purpose.
+        if (pass == Pass::Gather && !ReportRange()) return false;
         goOn = pass == Pass::Gather ? Gather() : Clean(0, 0, 0);
     } else {
-        if (!Node().AskHostToGoOn()) return false;
+        if (!ReportRange() || !Node().AskHostToGoOn()) return false;
         goOn = RunChildren(pass);
     }
     // Also after a child's false, on purpose.
@@ -76,6 +77,13 @@ bool CGatherProc<Self, Child>::Run(Pass pass) {
     return goOn;
 }
 
+template <class Self, class Child>
+bool CGatherProc<Self, Child>::ReportRange() {
+    return Node().ReportProgress(TruncateToUint32(m_rangeBegin), TruncateToUint32(m_rangeEnd));
+}
+
+// The first false ends it: later children get neither a range nor a run. A clean also visits children whose gather
+// found nothing. Both on purpose.
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::RunChildren(Pass pass) {
     uint32_t selected = 0;

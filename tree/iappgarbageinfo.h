@@ -18,8 +18,9 @@ public:
     virtual HICON GetAppIcon() = 0;
     // Is the application present on this machine?
     virtual bool IsAppPresent() = 0;
-    // Takes this application out of the job: subtracts its size from the totals of every level above (not the counts,
-    // and without a floor, on purpose) and zeroes its own. Always true.
+    // Takes this application out of the totals: subtracts its size from every level above (not the counts, and without
+    // a floor, on purpose) and zeroes its own totals and those below. Its selection, its part in the job and what was
+    // found stay, so a clean still deletes it: deselect it to keep it. Always true.
     virtual bool Discard() = 0;
     // Relay `arg` to the host's first and second step notification; its answer, or true when there is nobody to ask.
     virtual bool HostNotify1(uint64_t arg) = 0;

@@ -29,7 +29,7 @@ public:
     // Goes up whether or not `subtract` is set, on purpose.
     virtual bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
                                uint32_t count);
-    // Takes the size out of the parents' totals first, then out of this level's.
+    // Takes the size out of the parents' totals first, then out of this level's, on purpose.
     virtual void SubtractVolume(const uint64_t* size);
     // Fill the node from its element of the rule file, and write it below `element`.
     virtual bool LoadXml(const TiXmlElement* /*element*/) { return false; }

@@ -4,16 +4,18 @@
 
 #include <utility>
 
+#include "rules/ieuobject.h"
 #include "tree/volumeproc.h"
 
 template <class Parent>
 CVolumeProc<Parent>::CVolumeProc(Parent* parent) noexcept : m_parent(parent) {
-    if (m_parent) m_parent->AddRef();
+    // Not through an override: the engine does not count what its own categories hold.
+    if (m_parent) m_parent->IEUObject::AddRef();
 }
 
 template <class Parent>
 CVolumeProc<Parent>::~CVolumeProc() {
-    if (Parent* parent = std::exchange(m_parent, nullptr)) parent->Release();
+    if (Parent* parent = std::exchange(m_parent, nullptr)) parent->IEUObject::Release();
 }
 
 template <class Parent>
