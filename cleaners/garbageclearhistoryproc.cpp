@@ -39,7 +39,7 @@ bool ClearUrlHistory() noexcept {
 void PurgeUrlCache() noexcept {
     for (CUrlCacheWalk walk; walk; walk.Next()) {
         const INTERNET_CACHE_ENTRY_INFOW& entry = walk.Entry();
-        // Cookies and visited pages lack the bit and stay, on purpose. An entry in use stays too; the walk goes on.
+        // Entries without the bit stay, on purpose. An entry in use stays too; the walk goes on.
         if (entry.CacheEntryType & NORMAL_CACHE_ENTRY) DeleteUrlCacheEntryW(entry.lpszSourceUrlName);
     }
 }
@@ -51,7 +51,7 @@ bool CGarbageClearHistoryProc::Run(uint64_t /*a*/, uint64_t /*b*/, uint64_t /*c*
     // Neither looked at nor balanced, on purpose: the thread may be in an apartment of either kind already, and stays
     // in it.
     CoInitialize(nullptr);
-    // Always five passes, on purpose, whether or not one succeeded.
+    // Always five passes, whether or not one succeeded, and the cache does not count for the answer. Both on purpose.
     for (int pass = 0; pass < kPasses; ++pass) {
         if (ClearUrlHistory()) reached = true;
         PurgeUrlCache();
@@ -59,7 +59,7 @@ bool CGarbageClearHistoryProc::Run(uint64_t /*a*/, uint64_t /*b*/, uint64_t /*c*
     return reached;
 }
 
-CGarbageEmptyProc* CreateClearHistoryProc() {
+CGarbageEmptyProc* CreateClearHistoryProc() noexcept {
     return new (std::nothrow) CGarbageClearHistoryProc;
 }
 

@@ -14,6 +14,6 @@ public:
 };
 
 // The registered factory; null when memory is short.
-CGarbageEmptyProc* CreateClearHistoryProc();
+CGarbageEmptyProc* CreateClearHistoryProc() noexcept;
 
 }  // namespace GarbageXProc

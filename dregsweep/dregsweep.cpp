@@ -20,6 +20,7 @@
 
 namespace {
 
+// One text for all three step notifications, and no blank after the bracket, on purpose.
 constexpr const wchar_t* kCancelInStep = L"[Dregsweep]User cancel in process step notify!,%S,%d";
 constexpr const wchar_t* kCancelInProgress = L"[Dregsweep]User cancel in process notify!,%S,%d";
 constexpr const wchar_t* kCancelInGather = L"[Dregsweep]User cancel in gather proc!,%S,%d";
@@ -125,6 +126,7 @@ uint64_t CDregsweep::StartCompanion() {
     m_companion = {};
     m_companion = CReference<ICompanionObject>(LoadFactoryExport(kTallyhostLibrary, /*exportName=*/nullptr));
     if (!m_companion) return 0;
+    // One that throws counts as ready.
     const uint64_t code = NoThrow<uint64_t>(0, [this] { return m_companion->Start(); });
     if (code != 0) DregsweepTrace(L"[Dregsweep] Init fail %d", GetLastError());
     return code;
@@ -257,6 +259,7 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     if (!m_initialised) return true;
     std::optional<CRedirectionOff> redirection;  // reverted only after the callback is gone
     const CallbackScope scope(m_callback, callback);
+    // Even when nothing is selected, on purpose.
     PrepareForClean();
     // Before the companion is told, unlike in a gather, on purpose.
     redirection.emplace();
@@ -282,9 +285,11 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
 }
 
 void CDregsweep::TellCompanionOfRun() noexcept {
-    if (!m_companion) return;
-    NoThrow(false, [this] {
-        m_companion->BeginRun();
+    // Held, in case the companion makes the host end the engine.
+    const auto companion = CReference<ICompanionObject>::Share(m_companion.get());
+    if (!companion) return;
+    NoThrow(false, [&] {
+        companion->BeginRun();
         return true;
     });
 }

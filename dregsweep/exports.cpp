@@ -19,11 +19,14 @@ CDregsweep* CreateEngine(bool upgradeMode) {
     return new (std::nothrow) CDregsweep(upgradeMode);
 }
 
-// Never half-initialised: an engine that refuses its files is released, and its code goes no further, on purpose.
+// Never half-initialised: an engine whose Init refuses is released, and its code goes no further. A missing or broken
+// rule file is no refusal: the engine is then ready and empty. Both on purpose.
 IDregsweep* CreateUpgradeEngine() {
     CReference<CDregsweep> engine(CreateEngine(/*upgradeMode=*/true));
     if (!engine) return nullptr;
     const CUpgradeFiles files = FindUpgradeFiles();
+    // Better no engine than rules that do not lie beside the host.
+    if (files.configPath.empty()) return nullptr;
     if (engine->Init(files.configPath.c_str(), files.textPath.c_str(), /*selector=*/nullptr) != 0) return nullptr;
     engine->AddRef();  // the host's, beside the one that ends here
     return engine.get();

@@ -4,8 +4,8 @@
 
 #include "rules/ieuobject.h"
 
-// The object of the optional companion library "Tallyhost.dll". Foreign code: an operation may throw whatever it
-// likes, and the caller drops that.
+// The object of the optional companion library "Tallyhost.dll", built against this header with a compiler of the same
+// binary interface. Foreign code: an operation may throw, and the caller drops that.
 class ICompanionObject : public virtual IEUObject {
 public:
     // Starts the companion up; 0 when it is ready, else its reason, a code of its own.

@@ -17,6 +17,7 @@
 #include "dregsweep/idregsweepcallback.h"
 #include "tree/iappcatagory.h"
 #include "tree/itextselector.h"
+#include "update/iinternetfileproc.h"
 
 // What Init and ChangeResID return. 0 is success, or that there was nothing to do.
 constexpr uint64_t kDregsweepConfigFailed = 0x990006;  // Init: a root without child elements, or a category that failed
@@ -31,6 +32,9 @@ constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file 
 //
 // The engine lives until the host has given up its last reference, also when Uninit was not called. A category that the
 // host still holds stays valid, without children, and keeps the engine until it is released.
+//
+// Rules that browse the shell bind to it on the thread of Init: where they are used, keep Init, the runs, Uninit and
+// the last Release on the thread that made the engine.
 //
 // Threads: AddRef and Release from any thread; AddAllowedPath and ClearAllowedPaths too. A second run, the enumeration,
 // ChangeResID and Uninit wait while another thread's run lasts; what hangs below the categories does not wait, so leave
@@ -98,14 +102,19 @@ public:
 //
 // "GetSysUpgradeClearImp": an engine for the leftovers of a system upgrade, initialised from "SysUpgradeConfig.xml" and
 // "ResIDText.xml" beside the host's executable, in upgrade mode: files and folders that refuse are unlocked and tried
-// once more, for which it enables the restore and take-ownership privileges of the process. An engine without
-// categories when the first file is missing or broken; null when Init refuses or memory runs out.
+// once more, for which it enables the restore and take-ownership privileges of the process. Make and run one such
+// engine at a time. An engine without
+// categories, on purpose, when the first file is missing or broken; null when Init refuses or memory runs out.
 using DregsweepFactory = IDregsweep* (*)();
+
+// The export "GetInetFileProcImp": the process's one update object; see iinternetfileproc.h.
+using DregsweepUpdateFactory = IInternetFileProc* (*)();
 
 // The exports "StartFunc" and "EndFunc", each a one-byte boolean. StartFunc starts the companion service; true also
 // when it runs already. EndFunc does nothing and answers true.
 using DregsweepServiceFunction = bool (*)();
 
 // While the library is loaded, an exception in the process that nobody handles leaves "dsw.dmp" in the folder of the
-// host's executable; the exception filter that was there before is discarded. Before FreeLibrary, release every engine
-// and node: their code goes with the library.
+// host's executable; the exception filter that was there before is discarded. A filter that was
+// installed later and calls ours keeps a pointer into the library. Before FreeLibrary, release every engine and node,
+// and uninitialise and release the update object: their code goes with the library.

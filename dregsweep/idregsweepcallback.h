@@ -3,8 +3,8 @@
 #include <cstdint>
 
 // Implemented by the host: what a run tells it. Every operation answers true to go on or false to stop; the host may
-// stop at any notification, and an exception counts as a stop. It declares no destructor, so that the first step
-// notification is the first operation in the table.
+// stop at any notification, and a C++ exception (of the same compiler's runtime) counts as a stop. It declares no
+// destructor, so that the first step notification is the first operation in the table.
 //
 // All calls come on the thread that called Gather or Clean, synchronously, while the engine's category lock is held.
 // From here the host may, on this same thread, read totals and records, enumerate, toggle, start a nested run, or even
@@ -23,8 +23,9 @@ public:
     virtual bool StepNotify2(uint64_t node) = 0;
     // The run enters an application category; `node` is its IAppCatagory pointer.
     virtual bool StepNotify3(uint64_t node) = 0;
-    // The run reaches a node, whose share of the scale from 0 to 100 is `begin` to `end`, both truncated to whole
-    // numbers. The ranges of neighbours overlap on purpose: show the greatest `begin` so far.
+    // The run reaches a node (a rule in a gather only, on purpose), whose share of the scale from 0 to 100 is `begin`
+    // to `end`, both truncated to whole numbers. The ranges of neighbours overlap on purpose: show the greatest `begin`
+    // so far.
     virtual bool Progress(uint32_t begin, uint32_t end) = 0;
     // An item was found. `path` is its full path, or the display text of a shell item (UTF-16, null-terminated, valid
     // during the call); `size` is in bytes; `category` is the IGarbageCatagory pointer of the rule's category.

@@ -8,5 +8,6 @@ struct CUpgradeFiles {
     CString textPath;    // the localised names, "ResIDText.xml"
 };
 
-// Neither file need exist.
+// Neither file need exist. Both paths are empty when the executable's own cannot be had, or is longer than 259
+// characters.
 CUpgradeFiles FindUpgradeFiles();

@@ -4,7 +4,6 @@
 #include <tinyxml.h>
 
 #include "cleaners/emptyprocregistry.h"
-
 #include "rules/folderscan.h"
 #include "rules/location.h"
 #include "rules/reference.h"
@@ -106,14 +105,19 @@ void CGarbageInfo::LoadRegistryRule(const TiXmlElement& element) {
 }
 
 bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
-    CString base = BaseFolder(FolderIndex, FolderEnvDir);
-    if (base.empty() && FolderIndex != -1) OpenVirtualFolder();
+    CString base;
+    if (FolderIndex == -1) {
+        FolderOfVariable(FolderEnvDir, base);
+    } else if (!FolderOfIndex(FolderIndex, base)) {
+        OpenVirtualFolder();
+    }
     if (base.empty() && !m_shellItem) return false;
     // Whether the folder is there or not, on purpose: only the scan finds out.
     if (m_category) m_category->SetAppPresent(true);
     // A virtual folder leaves the path as it was and reads no children, on purpose.
     if (m_shellItem) return true;
 
+    // Without a path of its own the rule means the bare folder, with no "\\" added, on purpose.
     if (!Path.empty() && base.back() != L'\\') base += L'\\';
     Path = base + Path;
     // The shell browser reads neither kind of children, and loads also when the path cannot be parsed, on purpose: the
@@ -138,7 +142,9 @@ void CGarbageInfo::OpenShellBrowser() {
     if (FAILED(SHGetDesktopFolder(desktop.Put()))) return;
     CString name = Path;  // the call takes a text that it may change
     CItemIdList folder;
-    if (FAILED(desktop->ParseDisplayName(nullptr, nullptr, name.data(), nullptr, folder.Put(), nullptr))) return;
+    if (FAILED(desktop->ParseDisplayName(nullptr, nullptr, name.data(), nullptr, folder.Put(), nullptr)) || !folder) {
+        return;
+    }
     OpenShellItem(std::move(folder), /*wholeItemMode=*/false);
 }
 
@@ -324,10 +330,11 @@ bool CGarbageInfo::CleanFound() {
         }
         const CString path = item->path;  // outlives a list that the host's notification empties
         const uint64_t size = item->size;
-        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(item->itemId.get()) : DeleteFoundFile(path);
+        const CItemIdList itemId = std::move(item->itemId);  // likewise: the shell may let messages in meanwhile
+        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(path);
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
-        // Removed after the report and whatever became of it, on purpose: it is not tried again.
+        // Removed after the report, whatever became of it and also when the host stops here, on purpose.
         item = m_found.erase(item);
         generation = ++m_generation;
     }
@@ -339,13 +346,11 @@ bool CGarbageInfo::EmptyShellFolder() {
     // A folder other than the bin is left alone, and says so; for the bin it is true whatever happened, on purpose.
     const bool emptied = m_shellItem->EmptyRecycleBin();
     const uint64_t size = GetTotalSize();  // a copy: on its way up the size must not change under the levels
-    uint32_t count = 0;
-    {
-        const CLockGuard guard(m_lock);
-        count = static_cast<uint32_t>(m_found.size());
-    }
-    const bool goOn = ReportEmptied(CString(), &size, CategoryValue(), emptied, count);
     const CLockGuard guard(m_lock);
+    const uint32_t generation = m_generation;
+    const auto count = static_cast<uint32_t>(m_found.size());
+    const bool goOn = ReportEmptied(CString(), &size, CategoryValue(), emptied, count);
+    if (generation != m_generation) return goOn;
     m_found.clear();
     ++m_generation;
     return goOn;

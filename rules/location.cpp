@@ -11,23 +11,21 @@ namespace {
 
 constexpr DWORD kBufferLength = 260;
 
-CString FolderOfVariable(const CString& name) {
-    wchar_t buffer[kBufferLength] = {};
-    const DWORD length = GetEnvironmentVariableW(name.c_str(), buffer, kBufferLength);
-    return length < kBufferLength ? CString(buffer, length) : CString();
-}
-
-CString FolderOfIndex(int32_t index) {
-    wchar_t buffer[kBufferLength] = {};
-    // A failed call may leave something in the buffer: it counts as empty.
-    if (FAILED(SHGetFolderPathW(nullptr, index, nullptr, SHGFP_TYPE_CURRENT, buffer))) return {};
-    return buffer;
-}
-
 }  // namespace
 
-CString BaseFolder(int32_t folderIndex, const CString& folderEnvDir) {
-    return folderIndex == -1 ? FolderOfVariable(folderEnvDir) : FolderOfIndex(folderIndex);
+bool FolderOfVariable(const CString& name, CString& folder) {
+    wchar_t buffer[kBufferLength] = {};
+    const DWORD length = GetEnvironmentVariableW(name.c_str(), buffer, kBufferLength);
+    folder.assign(buffer, length < kBufferLength ? length : 0);
+    return !folder.empty();
+}
+
+bool FolderOfIndex(int32_t index, CString& folder) {
+    wchar_t buffer[kBufferLength] = {};
+    const bool found = SUCCEEDED(SHGetFolderPathW(nullptr, index, nullptr, SHGFP_TYPE_CURRENT, buffer));
+    // A failed call may leave something in the buffer.
+    folder = found ? buffer : L"";
+    return found;
 }
 
 CString PathFromRegistry(const TiXmlElement& element, const CString& keyPath) {

@@ -8,10 +8,11 @@ class TiXmlElement;
 
 // Where a rule looks: the parts of its location that differ between machines.
 
-// The base folder of a rule: that of a shell folder identifier (CSIDL), or of an environment variable when the
-// identifier is -1. Empty when the variable is not set or the folder has no path. A value of 260 characters or more
-// counts as not set: a shortened path is never used. The folder need not exist.
-CString BaseFolder(int32_t folderIndex, const CString& folderEnvDir);
+// The base folder of a rule: that of an environment variable, or of a shell folder identifier (CSIDL). False when the
+// variable is not set or the folder has no path; `folder` is empty then, and may be empty otherwise. A value of 260
+// characters or more counts as not set: a shortened path is never used. The folder need not exist.
+bool FolderOfVariable(const CString& name, CString& folder);
+bool FolderOfIndex(int32_t index, CString& folder);
 
 // The location of a rule that is kept in a registry value: the text of the value that the element's "RootKey" and
 // "Value" attributes name, under the key `keyPath`. Empty when anything of that is missing, on purpose. The value's

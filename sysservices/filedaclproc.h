@@ -12,9 +12,8 @@ namespace Security_Proc {
 // (std::bad_alloc); nothing else does. One thread at a time: see PrivilegeContext.
 class CFileDaclProc {
 public:
-    // `backupContext`  whose third buffer the descriptor passes through: the backup context's, or the restore
-    // context's. `readNow`        reads the DACL information. A failed read, as with a context that is not ready, shows
-    // in GetDacl().
+    // The descriptor passes through the third buffer of the backup or of the restore context. `readNow` reads the DACL
+    // information; a failed read, as with a context that is not ready, shows in GetDacl().
     CFileDaclProc(const CString& path, bool backupContext, bool readNow);
     virtual ~CFileDaclProc() = default;
     CFileDaclProc(const CFileDaclProc&) = delete;

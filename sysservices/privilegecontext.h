@@ -15,10 +15,10 @@ using CSidPointer = std::unique_ptr<void, CSidFreer>;
 // What the process needs to open protected files: privileges that are enabled once, buffers that descriptors are read
 // into, and the account that takes over what nobody else may touch.
 //
-// The process has two, reached through BackupContext() and RestoreContext(). They need no construction at load time
-// and free what they hold when the module is unloaded. They have no lock: use them, and everything that works with
-// them (EnablePrivileges, CFileDaclProc, the functions of fileaccess.h), from one thread at a time; the engine calls
-// them under its own locks only.
+// The process has two, reached through BackupContext() and RestoreContext(). They are ready before any code of the
+// module runs and free what they hold when the module is unloaded. They have no lock: use them, and everything that
+// works with them (EnablePrivileges, CFileDaclProc, the functions of fileaccess.h), from one thread at a time. The
+// locks of one engine see to that; two engines in upgrade mode must not be made or run at once.
 struct PrivilegeContext {
     explicit constexpr PrivilegeContext(bool forBackup) noexcept : backupMode(forBackup) {}
     PrivilegeContext(const PrivilegeContext&) = delete;

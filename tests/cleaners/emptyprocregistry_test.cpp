@@ -7,7 +7,7 @@
 
 namespace {
 
-CGarbageEmptyProc* NeverCreated() {
+CGarbageEmptyProc* NeverCreated() noexcept {
     ADD_FAILURE() << "a later entry of the same name was used";
     return nullptr;
 }
