@@ -1,0 +1,16 @@
+#pragma once
+
+// Turns Ctrl-C and Ctrl-Break into a question that a run asks at every notification, for as long as the object lives.
+// A second Ctrl-C ends the process at once, for a scan that reaches no notification.
+class CCancel {
+public:
+    CCancel() noexcept;
+    ~CCancel();
+    CCancel(const CCancel&) = delete;
+    CCancel& operator=(const CCancel&) = delete;
+
+    // Has the user asked to stop? Any thread.
+    bool Requested() const noexcept;
+    // Asks to stop, as Ctrl-C does. Any thread. True when nobody had asked before.
+    static bool Request() noexcept;
+};

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "host/command.h"
+
+// "dsw list": the tree with its check boxes and names.
+void AddListCommand(CLI::App& app, CommandAction& action);

@@ -1,0 +1,62 @@
+#include "host/cleancommand.h"
+#include "host/gathercommand.h"
+#include "host/listcommand.h"
+
+namespace {
+
+// What follows the program's name, last one first, as the parser wants it.
+std::vector<std::string> ReversedArguments(int count, wchar_t** arguments) {
+    std::vector<std::string> reversed;
+    for (int i = count - 1; i > 0; --i)
+        reversed.push_back(WideToUtf8(arguments[i]));
+    return reversed;
+}
+
+void AddCommands(CLI::App& app, CommandAction& action) {
+    AddListCommand(app, action);
+    AddGatherCommand(app, action);
+    AddCleanCommand(app, action);
+}
+
+// Help and the version are for the standard output and no error; everything else is wrong usage, told in one line.
+ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CConsole& console) {
+    if (error.get_exit_code() == 0) {
+        const bool isHelp = error.get_name() == "CallForHelp" || error.get_name() == "CallForAllHelp";
+        console.out.Line(Utf8ToWide(isHelp ? app.help() : std::string(error.what())));
+        return ExitStatus::Done;
+    }
+    console.err.Line(L"dsw: " + Utf8ToWide(error.what()) + L" (dsw --help tells the usage)");
+    return ExitStatus::WrongUsage;
+}
+
+ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
+    CLI::App app("Finds and deletes the junk that a rule file describes.", "dsw");
+    app.set_version_flag("--version", "dsw " DSW_VERSION);
+    app.footer("Exit status: 0 done, 1 failed, 2 wrong usage, 3 stopped by the user.");
+    app.require_subcommand(1);
+    CommandAction action;
+    AddCommands(app, action);
+    try {
+        app.parse(ReversedArguments(count, arguments));
+    } catch (const CLI::ParseError& error) {
+        return ShowParserText(app, error, console);
+    }
+    return action(console);
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    CConsole console;
+    ExitStatus status = ExitStatus::Failed;
+    try {
+        status = Run(count, arguments, console);
+    } catch (const std::exception& error) {
+        console.out.Flush();
+        console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+    }
+    console.out.Flush();
+    // Whoever reads the output must not take a part for the whole.
+    if (console.out.Failed() && status == ExitStatus::Done) status = ExitStatus::Failed;
+    return static_cast<int>(status);
+}

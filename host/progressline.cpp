@@ -1,0 +1,47 @@
+#include "host/progressline.h"
+
+#include <algorithm>
+
+#include "host/columns.h"
+
+void CProgressLine::Reach(unsigned percent) {
+    m_percent = std::clamp(percent, m_percent, 100U);
+    Draw();
+}
+
+void CProgressLine::Enter(std::wstring_view name) {
+    m_name = name;
+    Draw();
+}
+
+void CProgressLine::Count(uint64_t bytes) {
+    m_counted += {1, bytes};
+    Draw();
+}
+
+std::wstring CProgressLine::Text(size_t columns) const {
+    const std::wstring text = PadLeft(std::to_wstring(m_percent), 3) + L"%  " + ItemCount(m_counted.items) + L", "
+                              + ReadableSize(m_counted.bytes) + L"  " + m_name;
+    return std::wstring(Shorten(text, columns));
+}
+
+void CProgressLine::Draw() {
+    // More often than this nobody can read, and a console is slow.
+    constexpr ULONGLONG kPause = 100;
+    if (!m_shown || GetTickCount64() - m_drawnAt < kPause) return;
+    // The last column stays free: writing there would begin a new line.
+    const std::wstring text = Text(m_out.Width() - 1);
+    m_out.Write(L"\r" + PadRight(text, m_drawnColumns));
+    m_drawnColumns = Columns(text);
+    m_drawnAt = GetTickCount64();
+}
+
+void CProgressLine::Remove() noexcept {
+    if (m_drawnColumns == 0) return;
+    try {
+        m_out.Write(L"\r" + std::wstring(m_drawnColumns, L' ') + L"\r");
+    } catch (const std::bad_alloc&) {
+        // A line that stays on the screen is no harm.
+    }
+    m_drawnColumns = 0;
+}
