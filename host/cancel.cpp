@@ -4,14 +4,24 @@
 
 #include <atomic>
 
+#include "host/exitstatus.h"
+
 namespace {
 
 // Set by the system's own thread for control events.
 std::atomic<bool> g_requested{false};
 
-BOOL WINAPI OnControlEvent(DWORD event) noexcept {
-    const bool stop = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    return stop && CCancel::Request() ? TRUE : FALSE;
+bool IsStop(DWORD event) noexcept {
+    return event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+}
+
+BOOL WINAPI RequestOnStop(DWORD event) noexcept {
+    return IsStop(event) && CCancel::Request() ? TRUE : FALSE;
+}
+
+BOOL WINAPI EndOnStop(DWORD event) noexcept {
+    if (IsStop(event)) ExitProcess(static_cast<UINT>(ExitStatus::Stopped));
+    return FALSE;
 }
 
 }  // namespace
@@ -20,11 +30,11 @@ CCancel::CCancel() noexcept {
     g_requested = false;
     // A parent may have had Ctrl-C ignored, which children inherit.
     SetConsoleCtrlHandler(nullptr, FALSE);
-    SetConsoleCtrlHandler(OnControlEvent, TRUE);
+    SetConsoleCtrlHandler(RequestOnStop, TRUE);
 }
 
 CCancel::~CCancel() {
-    SetConsoleCtrlHandler(OnControlEvent, FALSE);
+    SetConsoleCtrlHandler(RequestOnStop, FALSE);
 }
 
 bool CCancel::Requested() const noexcept {
@@ -33,4 +43,13 @@ bool CCancel::Requested() const noexcept {
 
 bool CCancel::Request() noexcept {
     return !g_requested.exchange(true);
+}
+
+// The handler that was added last is asked first.
+CEndOnCancel::CEndOnCancel() noexcept {
+    SetConsoleCtrlHandler(EndOnStop, TRUE);
+}
+
+CEndOnCancel::~CEndOnCancel() {
+    SetConsoleCtrlHandler(EndOnStop, FALSE);
 }

@@ -14,3 +14,13 @@ public:
     // Asks to stop, as Ctrl-C does. Any thread. True when nobody had asked before.
     static bool Request() noexcept;
 };
+
+// For a wait that cannot ask, such as one for an answer: while the object lives, Ctrl-C ends the process at once, as
+// stopped by the user. Nothing may be half done meanwhile.
+class CEndOnCancel {
+public:
+    CEndOnCancel() noexcept;
+    ~CEndOnCancel();
+    CEndOnCancel(const CEndOnCancel&) = delete;
+    CEndOnCancel& operator=(const CEndOnCancel&) = delete;
+};

@@ -15,8 +15,8 @@ struct CleanOptions : EngineOptions {
 };
 
 bool UserAgrees(CConsole& console) {
-    const auto answer =
-        console.Ask(L"Delete these items, and what the selected registry rules name? This cannot be undone. [y/N] ");
+    const CEndOnCancel endOnCancel;
+    const auto answer = console.Ask(L"Delete these items, and what the selected registry rules name? [y/N] ");
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 

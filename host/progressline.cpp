@@ -5,7 +5,9 @@
 #include "host/columns.h"
 
 void CProgressLine::Reach(unsigned percent) {
-    m_percent = std::clamp(percent, m_percent, 100U);
+    if (percent <= m_percent) return;
+    m_percent = std::min(percent, 100U);
+    m_drawnAt = 0;  // worth showing at once: it cannot happen often
     Draw();
 }
 
