@@ -42,7 +42,7 @@ protected:
                                   &inherited, disposition, 0, nullptr));
     }
 
-    Outcome Run(const std::wstring& arguments, std::string_view input = {}) const {
+    Outcome Run(const std::wstring& arguments, std::string_view input = "") const {
         std::wstring line = L"dsw " + arguments;
         const Handle in = Stream(m_folder.Write(L"in", input), OPEN_EXISTING);
         Handle out = Stream(m_folder / L"out", CREATE_ALWAYS);
