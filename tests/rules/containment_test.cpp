@@ -1,0 +1,34 @@
+#include "rules/containment.h"
+
+#include <gtest/gtest.h>
+
+TEST(Containment, LookUpFollowsThePathThroughTheSet) {
+    struct Case {
+        const wchar_t *tokens, *excluded, *kept;
+    } const cases[] = {
+        {L".tmp|.log|.bak|.old", L"a.tmp|a.log", L"a.bak|a.old"},  // the look-up goes right past the other two
+        {L".log|.tmp", L"a.log|a.tmp", L"!a.tmp"},
+        {L".log|.log1", L"a.log|a.log1", L"a.lo"},  // the second token was dropped
+        {L".log1|.log", L"a.log1", L"a.log"},
+        {L".log", L"setup.log|a.logx|log|g", L"SETUP.LOG|logx"},  // a name may also be a part of the token
+        {L"a.log", L"A.LOG", L"A.LOGX"},                          // equal when folded
+        {L"ä.log", L"xä.log", L"Ä.LOG"},                          // ASCII only
+        // Letters fold to lower case for the order: "_" and its neighbours stand before "b".
+        {L"[m|z", L"Bz", L"B"},
+        {L"\\m|z", L"Bz", L"B"},
+        {L"]m|z", L"Bz", L"B"},
+        {L"^m|z", L"Bz", L"B"},
+        {L"_m|z", L"Bz", L"B"},
+        {L"`m|z", L"Bz", L"B"},
+        {L"", L"", L"a.log"},
+    };
+    for (const Case& c : cases) {
+        ContainmentSet set;
+        for (CString& token : Split(c.tokens, L"|"))
+            set.insert(std::move(token));
+        for (const CString& name : Split(c.excluded, L"|"))
+            EXPECT_TRUE(set.contains(name)) << WideToUtf8(c.tokens) << " and " << WideToUtf8(name);
+        for (const CString& name : Split(c.kept, L"|"))
+            EXPECT_FALSE(set.contains(name)) << WideToUtf8(c.tokens) << " and " << WideToUtf8(name);
+    }
+}

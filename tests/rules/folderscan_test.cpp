@@ -1,0 +1,190 @@
+#include "rules/folderscan.h"
+
+#include "tests/rules/recordingrule.h"
+#include "tests/support/folderlink.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+class SearchPatch {
+public:
+    SearchPatch(decltype(&FindFirstFileW) first, decltype(&FindNextFileW) next)
+        : m_first(nullptr, nullptr, "FindFirstFileW", reinterpret_cast<const void*>(first)),
+          m_next(nullptr, nullptr, "FindNextFileW", reinterpret_cast<const void*>(next)) {
+        EXPECT_TRUE(m_first.ok() && m_next.ok());
+        s_first = m_first.original<decltype(&FindFirstFileW)>();
+        s_next = m_next.original<decltype(&FindNextFileW)>();
+    }
+    static inline decltype(&FindFirstFileW) s_first;
+    static inline decltype(&FindNextFileW) s_next;
+
+private:
+    IatPatch m_first, m_next;
+};
+
+// What no folder at hand offers: device bits, a name that ends in a dot, 20 GB.
+bool Doctor(bool found, WIN32_FIND_DATAW& entry) {
+    const CString name = found ? entry.cFileName : L"";
+    if (name.starts_with(L"dev")) entry.dwFileAttributes |= FILE_ATTRIBUTE_DEVICE;
+    if (name == L"z") wcscpy(entry.cFileName, L"z.");
+    if (name == L"c.txt") entry.nFileSizeHigh = 5;
+    return found;
+}
+HANDLE WINAPI DoctoredFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) {
+    const HANDLE search = SearchPatch::s_first(pattern, entry);
+    Doctor(search != INVALID_HANDLE_VALUE, *entry);
+    return search;
+}
+BOOL WINAPI DoctoredNext(HANDLE search, WIN32_FIND_DATAW* entry) {
+    return Doctor(SearchPatch::s_next(search, entry), *entry);
+}
+
+// A folder "d" in every folder, as deep as paths go.
+HANDLE WINAPI EndlessFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) {
+    if (wcslen(pattern) > 32000) return INVALID_HANDLE_VALUE;
+    *entry = {};
+    entry->dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY;
+    entry->cFileName[0] = L'd';
+    return GetCurrentThread();
+}
+BOOL WINAPI EndlessNext(HANDLE, WIN32_FIND_DATAW*) {
+    return FALSE;
+}
+BOOL WINAPI EndlessClose(HANDLE) {
+    return TRUE;
+}
+struct EndlessFolders : SearchPatch {
+    EndlessFolders() : SearchPatch(EndlessFirst, EndlessNext) {}
+    IatPatch m_close{nullptr, nullptr, "FindClose", reinterpret_cast<const void*>(&EndlessClose)};
+};
+
+class FolderScanTest : public RuleTest {
+protected:
+    FolderScanTest() {
+        for (const wchar_t* name :
+             {L"a.log", L"b.tmp", L"c.txt", L"dev.log", LR"(device\v.log)", LR"(.hid\h.log)", LR"(Kéep\k.log)",
+              LR"(Kéep\Deep\d.log)", LR"(Sub\s.log)", LR"(Sub\Temp\t.log)", LR"(Sub\Temp\Temp\n.log)", LR"(z\z.log)"})
+            m_folder.Write(name);
+    }
+};
+
+}  // namespace
+
+TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
+    const TempFolder elsewhere;
+    elsewhere.Write(L"l.log");
+    ASSERT_TRUE(MakeFolderLink(m_folder / L"link", elsewhere.path()));
+    const std::string all = m_files + "Iteration='1' ", excluding = all + "ExcludePath='1' ";
+    const CString hid = L".hid\\h.log ", top = L"a.log b.tmp c.txt ", deep = LR"(Kéep\Deep\d.log )";
+    const CString keep = deep + LR"(Kéep\k.log )", sub = LR"(Sub\s.log )", temp = LR"(Sub\Temp\t.log )";
+    const CString below = LR"(Sub\Temp\Temp\n.log )";
+    const std::string bare = "IsFolder='1' Path='" + WideToUtf8(m_folder / L"Sub") + "' ";
+    struct Case {
+        std::string attributes;
+        const char* children;
+        CString found;
+        CString refusedFolder = {};
+    } const cases[] = {
+        // Everything: one pass; no links, no devices, no name of two characters that ends in a dot.
+        {m_files, "", top},
+        {all, "", hid + top + keep + sub + temp + below},
+        {m_files + "SelfExclude='1'", "", L""},
+        {all + "SelfExclude='1'", "", hid + keep + sub + temp + below},
+        {m_files + "ExcludeFilter='|.log||.txt|'", "", L"b.tmp"},
+        {m_files + "ExcludeFilter='.LOG'", "", top},
+        {m_files + "Path='missing'", "", L""},
+        // A pattern: what is below comes first, links included.
+        {m_pattern, "", L"a.log"},
+        {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + below + temp + sub + L"a.log"},
+        {m_pattern + "Iteration='1' SelfExclude='1' ExcludePath='1'", "<ExcludePath Path='li'/>",
+         hid + keep + below + temp + sub},
+        // Excluded folders: the first entry that matches decides.
+        {excluding, "<excludepath Path='KÉE'/>", hid + top + sub + temp + below},
+        {excluding, "<ExcludePath Path='KÉEP' Iteration='1'/><ExcludePath Path='ké'/>",
+         hid + top + deep + sub + temp + below},
+        {excluding, "<ExcludePath Path='UB\\TEMP' ExactMatch='1'/>", hid + top + keep + sub},  // inside a name
+        {excluding, "<ExcludePath Path='sub\\temp'/>", hid + top + keep + sub + temp + below},
+        {excluding, "<ExcludePath/><Other Path='sub'/>", hid + top + keep + sub + temp + below},
+        // A folder that the host refuses is skipped without stopping.
+        {all, "", hid + top + keep, L"Sub"},
+        {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + L"a.log", L"Sub"},
+        // Without a base folder no children are read, though the flags are set.
+        {bare + "Iteration='1' ExcludePath='1'", "<ExcludePath Path='temp'/>", sub + temp + below},
+        {bare + "LoopPath='1'", "<LoopPath Path='*'/>", L""},
+        // One file, listed under the rule's own path.
+        {"FolderEnvDir='DSW_BASE' Path='b.tmp'", "", L"b.tmp"},
+        {"FolderEnvDir='DSW_BASE' Path='none*'", "", L""},
+        {"FolderEnvDir='DSW_BASE' Path='*.log' Filter='x' Iteration='1'", "", L"*.log"},
+        // Loops.
+        {m_loop, "", L""},
+        {m_loop, "<LoopPath TerminalPath='sub'/><LoopPath AddPath='Sub'/>", L""},
+        {m_loop + "SelfExclude='1'", "<looppath Path='*'/>", LR"(device\v.log Kéep\k.log Sub\s.log z.\z.log)"},
+        {m_loop, "<LoopPath Path='*' AddPath='Temp'/>", temp},
+        {m_loop, "<LoopPath Path='S*'/><LoopPath Path='*'/>", temp},
+        {m_loop, "<LoopPath Path='none'/><LoopPath Path='Sub'/><LoopPath TerminalPath='temp'/>", L""},
+        {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath Path='Temp'/>", L""},
+        {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath TerminalPath='TEMP' ExactMatch='1'/>", temp},
+        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='EM|DEE'/>", deep + temp},
+        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em|deep' ExactMatch='1'/>", deep},
+        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em' ExactMatch='1'/><LoopPath TerminalPath='x'/>", temp},
+        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em'/><LoopPath TerminalPath='x' ExactMatch='1'/>", L""},
+    };
+    for (const Case& c : cases) {
+        RecordingRule rule;
+        rule.refusedFolder = c.refusedFolder;
+        ASSERT_TRUE(rule.Load(c.attributes, c.children));
+        const SearchPatch patch(DoctoredFirst, DoctoredNext);
+        EXPECT_TRUE(rule.Gather());
+        EXPECT_THAT(Listed(rule), ElementsAreArray(Split(c.found, L" "))) << c.attributes << c.children;
+        EXPECT_EQ(rule.found.size(), rule.GetTotalCount());
+    }
+}
+
+TEST_F(FolderScanTest, EachScanAddsUpFromZero) {
+    RecordingRule rule;
+    ASSERT_TRUE(rule.Load(m_files));
+    const SearchPatch patch(DoctoredFirst, DoctoredNext);
+    EXPECT_TRUE(rule.Gather() && rule.Gather());
+    EXPECT_EQ(rule.GetPendingSize(), (5ULL << 32) + 3);
+    rule.ResetPending();
+    EXPECT_EQ(rule.GetPendingSize() + rule.GetPendingCount(), 0u);
+    EXPECT_EQ(rule.GetTotalSize(), (5ULL << 32) + 3);
+}
+
+TEST_F(FolderScanTest, StopsAtEveryFoundItem) {
+    const std::string oneFile = "FolderEnvDir='DSW_BASE' Path='a.log' ";
+    for (const std::string& attributes : {m_files, m_pattern, m_loop, oneFile}) {
+        size_t stopAt = 0;
+        for (bool stopped = true; stopped;) {
+            RecordingRule rule;
+            rule.stopAt = ++stopAt;
+            ASSERT_TRUE(rule.Load(attributes + "Iteration='1'", "<LoopPath Path='*'/>"));
+            stopped = !rule.Gather();
+            EXPECT_EQ(rule.found.size(), stopped ? stopAt : stopAt - 1) << attributes;
+            EXPECT_EQ(Listed(rule).size(), rule.found.size()) << attributes;
+            EXPECT_EQ(rule.GetTotalSize(), rule.found.size()) << attributes;
+        }
+    }
+}
+
+TEST_F(FolderScanTest, FoldersMayNestAsDeepAsPathsAllow) {
+    CString deep = L"\\\\?\\" + m_folder.path();
+    SetEnvironmentVariableW(L"DSW_BASE", deep.c_str());
+    for (int i = 0; i < 300; ++i)
+        EXPECT_TRUE(CreateDirectoryW((deep += L"\\e").c_str(), nullptr));
+    EXPECT_TRUE(CopyFileW((m_folder / L"a.log").c_str(), (deep + L"\\y.log").c_str(), TRUE));
+    for (const std::string& attributes : {m_files, m_pattern}) {
+        RecordingRule rule;
+        ASSERT_TRUE(rule.Load(attributes + "Path='e' Iteration='1'"));
+        EXPECT_TRUE(rule.Gather());
+        EXPECT_THAT(rule.found, ElementsAre(deep + L"\\y.log"));
+    }
+    RecordingRule endless, loop;
+    ASSERT_TRUE(endless.Load(m_files + "Iteration='1'"));
+    ASSERT_TRUE(loop.Load(m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='none'/>"));
+    const EndlessFolders folders;
+    EXPECT_TRUE(endless.Gather() && loop.Gather());
+    EXPECT_GT(endless.foldersAsked, 15'900u);
+}

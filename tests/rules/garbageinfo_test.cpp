@@ -1,0 +1,106 @@
+#include "rules/garbageinfo.h"
+
+#include "rules/reference.h"
+#include "tests/rules/recordingrule.h"
+#include "tree/appgarbageinfo.h"
+
+namespace {
+
+// The set flags (R registry, F folder, I iteration, L loop, S shell), folder index, path and filter.
+CString Describe(const CGarbageInfo& rule) {
+    CString text;
+    if (rule.IsRegistry) text += L'R';
+    if (rule.IsFolder) text += L'F';
+    if (rule.Iteration) text += L'I';
+    if (rule.LoopPath) text += L'L';
+    if (rule.UseShellBrowse) text += L'S';
+    return text + L" " + std::to_wstring(rule.FolderIndex) + L" <" + rule.Path + L"> <" + rule.Filter + L">";
+}
+
+HRESULT WINAPI RefuseFolder(HWND, int, HANDLE, DWORD, wchar_t* path) {
+    wcscpy(path, L"C:\\half");
+    return E_FAIL;
+}
+
+}  // namespace
+
+TEST_F(RuleTest, ReadsAttributes) {
+    struct Case {
+        const char* attributes;
+        bool loads;
+        const wchar_t* members;
+    } const cases[] = {
+        {"", false, L" -1 <> <*>"},
+        {"Path=''", true, L" -1 <> <*>"},
+        {"Path='ä' IsFolder='1' Iteration='1' LoopPath='1' UseShellBrowse='1'", true, L"FILS -1 <ä> <*>"},
+        {"Path='x' IsFolder='-2' Iteration='-2' LoopPath='2' UseShellBrowse='2' Filter=''", true, L"FS -1 <x> <>"},
+        {"Path='x' Registry='t' GetByReg='u' IsFolder='a' Iteration='' FolderIndex='q' UseShellBrowse='z'", true,
+         L" -1 <x> <*>"},
+        {"Path='x' GetByReg='2'", true, L"F -1 <x> <*>"},  // stands in for a missing "IsFolder"
+        {"Path='x' GetByReg='2' IsFolder='a'", true, L"F -1 <x> <*>"},
+        {"Path='x' GetByReg='2' IsFolder='0'", true, L" -1 <x> <*>"},
+        {"Path='x' GetByReg='1' FolderX86EnvDir='DSW_BASE'", true, L"F -1 <> <*>"},
+        {"Registry='2' Path='x'", true, L" -1 <x> <*>"},
+        {"Registry='1'", true, L"R -1 <> <>"},
+        {"Registry='1' Path='x' KeyPath='K' Filter='F' Iteration='1' IsFolder='1' FolderIndex='5' FolderEnvDir='E' "
+         "LoopPath='1' UseShellBrowse='1'",
+         true, L"RI -1 <K> <F>"},
+    };
+    for (const Case& c : cases) {
+        RecordingRule rule;
+        EXPECT_EQ(rule.Load(c.attributes), c.loads) << c.attributes;
+        EXPECT_EQ(Describe(rule), c.members) << c.attributes;
+    }
+}
+
+TEST_F(RuleTest, ResolvesTheLocation) {
+    const CString longest(259, L'x');
+    struct Case {
+        CString base;
+        const char* attributes;
+        CString path;  // empty: does not load
+    } const cases[] = {
+        {L"C:\\missing", "Path='Temp'", L"C:\\missing\\Temp"},
+        {L"C:\\base\\", "Path='Temp'", L"C:\\base\\Temp"},
+        {L"C:\\base\\", "Path='\\Temp'", L"C:\\base\\\\Temp"},
+        {L"C:\\base", "Path=''", L"C:\\base"},
+        {longest, "Path='Temp'", longest + L"\\Temp"},
+        {longest + L"x", "Path='Temp'", L""},
+        {L"", "Path='Temp'", L""},
+        {L"C:\\base", "FolderIndex='38' Path='Temp'", L"C:\\Program Files\\Temp"},
+    };
+    for (const Case& c : cases) {
+        SetEnvironmentVariableW(L"DSW_BASE", c.base.empty() ? nullptr : c.base.c_str());
+        RecordingRule rule;
+        EXPECT_EQ(rule.Load(std::string("FolderEnvDir='DSW_BASE' ") + c.attributes), !c.path.empty()) << c.attributes;
+        EXPECT_EQ(rule.Path, c.path.empty() ? L"Temp" : c.path) << c.attributes;
+    }
+    const IatPatch patch(nullptr, nullptr, "SHGetFolderPathW", reinterpret_cast<const void*>(&RefuseFolder));
+    ASSERT_TRUE(patch.ok());
+    EXPECT_FALSE(RecordingRule().Load("FolderIndex='9999' Path='Temp'"));
+}
+
+TEST_F(RuleTest, TellsTheApplicationThatItIsPresent) {
+    for (const std::string variable : {"DSW_BASE", "DSW_UNSET"}) {
+        const CReference app(new CAppGarbageInfo(nullptr));
+        const CReference category(new CGarbageCatagory(app.get()));
+        TiXmlDocument document;
+        document.Parse(("<C Name='n'><GarbageInfo FolderEnvDir='" + variable + "' Path='missing'/></C>").c_str());
+        EXPECT_TRUE(category->LoadXml(document.RootElement()));
+        EXPECT_EQ(app->IsAppPresent(), variable == "DSW_BASE");
+        category->ReleaseContent();
+    }
+}
+
+TEST_F(RuleTest, SavesThreeAttributes) {
+    SetEnvironmentVariableW(L"DSW_BASE", L"C:\\ä");
+    TiXmlElement parent("C");
+    parent.LinkEndChild(new TiXmlElement("First"));
+    RecordingRule rule;
+    ASSERT_TRUE(rule.Load("FolderEnvDir='DSW_BASE' Path='x' IsFolder='7' Filter='*.a' Iteration='1' SelState='2'"));
+    EXPECT_TRUE(rule.SaveXml(&parent));
+    TiXmlPrinter printer;
+    printer.SetStreamPrinting();
+    parent.Accept(&printer);
+    EXPECT_STREQ(printer.CStr(), "<C><First /><GarbageInfo Path=\"C:\\ä\\x\" IsFolder=\"1\" FolderIndex=\"-1\" /></C>");
+}

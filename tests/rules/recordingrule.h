@@ -1,0 +1,73 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <tinyxml.h>
+
+#include <functional>
+
+#include "rules/garbageinfo.h"
+#include "sysservices/appinfomanager.h"
+#include "tests/support/iatpatch.h"
+#include "tests/support/tempfolder.h"
+
+// A rule without a tree above it. It keeps what a host would be told and plays the host's answers.
+class RecordingRule final : public CGarbageInfo {
+public:
+    RecordingRule() : CGarbageInfo(nullptr, nullptr) {}
+
+    // From the attributes and the children of a "GarbageInfo" element.
+    bool Load(const std::string& attributes, const std::string& children = {}) {
+        TiXmlDocument document;
+        document.Parse(("<GarbageInfo " + attributes + ">" + children + "</GarbageInfo>").c_str());
+        EXPECT_FALSE(document.Error()) << attributes << children;
+        return !document.Error() && LoadXml(document.RootElement());
+    }
+    bool QueryPathAllowed(const CString& path, bool) override {
+        ++foldersAsked;
+        return refusedFolder.empty() || !path.ends_with(refusedFolder);
+    }
+    bool ReportFound(const CString& item, const uint64_t* size, uint64_t extra) override {
+        const bool goOn = CGarbageInfo::ReportFound(item, size, extra);
+        found.push_back(item);
+        if (onFound) onFound();
+        return goOn && found.size() < stopAt;
+    }
+    bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool deleted, uint32_t n) override {
+        const bool goOn = CGarbageInfo::ReportEmptied(item, size, extra, deleted, n);
+        emptied.push_back((deleted ? L"+" : L"-") + item.substr(item.rfind(L'\\') + 1));
+        if (onEmptied) onEmptied();
+        return goOn && emptied.size() < stopAt;
+    }
+
+    size_t foldersAsked = 0;
+    CString refusedFolder;
+    size_t stopAt = SIZE_MAX;  // the report that is answered false
+    std::function<void()> onFound, onEmptied;
+    std::vector<CString> found;
+    std::vector<CString> emptied;  // "+name" deleted, "-name" not deleted
+};
+
+struct Visitor final : IGarbageInfo::IVisitor {
+    explicit Visitor(std::function<void(const CString&)> work) : visit(std::move(work)) {}
+    void OnItem(const wchar_t* path, uint64_t, IGarbageInfo*) override { visit(path); }
+    std::function<void(const CString&)> visit;
+};
+
+// A temporary folder that rules reach through the environment variable DSW_BASE.
+class RuleTest : public testing::Test {
+protected:
+    RuleTest() { SetEnvironmentVariableW(L"DSW_BASE", m_folder.path().c_str()); }
+    ~RuleTest() override { CAppInfoManager::ReleaseInstance(); }
+
+    std::vector<CString> Listed(IGarbageInfo& rule) const {
+        std::vector<CString> names;
+        Visitor visitor([&](const CString& path) { names.push_back(path.substr(m_folder.path().size() + 1)); });
+        rule.EnumFound(&visitor);
+        return names;
+    }
+
+    TempFolder m_folder;
+    const std::string m_files = "FolderEnvDir='DSW_BASE' IsFolder='1' ";
+    const std::string m_pattern = m_files + "Filter='*.log' ";
+    const std::string m_loop = m_files + "LoopPath='1' ";
+};
