@@ -66,13 +66,20 @@ bool CFolderScan::Leave() {
     return m_everything || !withFiles || CollectFiles();
 }
 
+CFileSearch CFolderScan::SearchFolder() {
+    const size_t folderLength = m_path.size();
+    AppendName(L"*");
+    CFileSearch search(m_path.c_str());
+    m_path.resize(folderLength);
+    return search;
+}
+
 // Tried twice at most, the second time when the folder may be unlocked.
 CFileSearch CFolderScan::OpenSearch() {
-    const CString pattern = m_path + L"\\*";
-    CFileSearch search(pattern.c_str());
+    CFileSearch search = SearchFolder();
     if (search || !m_rule.QueryUpgradeMode()) return search;
     UnlockPath(m_path);
-    return CFileSearch(pattern.c_str());
+    return SearchFolder();
 }
 
 CFolderScan::Descent CFolderScan::ChooseDescent(const WIN32_FIND_DATAW& entry) {

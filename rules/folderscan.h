@@ -33,6 +33,7 @@ private:
     [[nodiscard]] bool VisitEntry();
     [[nodiscard]] bool Leave();
     CFileSearch OpenSearch();
+    CFileSearch SearchFolder();
     Descent ChooseDescent(const WIN32_FIND_DATAW& entry);
     [[nodiscard]] bool CollectFiles();
     [[nodiscard]] bool CollectFile(const WIN32_FIND_DATAW& entry);

@@ -37,7 +37,11 @@ void FindTerminals(const CString& start, const TerminalSearch& terminals, std::v
     };
     CString path = start;
     std::vector<OpenFolder> open;
-    const auto enter = [&] { open.push_back({CFileSearch((path + L"\\*").c_str()), path.size()}); };
+    const auto enter = [&] {
+        const size_t length = path.size();
+        path += L"\\*";
+        open.push_back({CFileSearch(path.c_str()), length});
+    };
 
     enter();
     while (!open.empty()) {
