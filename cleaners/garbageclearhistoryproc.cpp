@@ -4,10 +4,10 @@
 
 #include <urlhist.h>
 
-#include <memory>
 #include <new>
 
 #include "cleaners/urlcachewalk.h"
+#include "sysservices/reference.h"
 
 namespace GarbageXProc {
 namespace {
@@ -16,20 +16,10 @@ constexpr int kPasses = 5;
 constexpr CLSID kUrlHistoryClass = {0x3C374A40, 0xBAE4, 0x11CF, {0xBF, 0x7D, 0x00, 0xAA, 0x00, 0x69, 0x46, 0xEE}};
 constexpr IID kUrlHistoryInterface = {0xAFA0DC11, 0xC313, 0x11D0, {0x83, 0x1A, 0x00, 0xC0, 0x4F, 0xD5, 0xAE, 0x38}};
 
-struct Releaser {
-    void operator()(IUnknown* object) const noexcept { object->Release(); }
-};
-using UrlHistory = std::unique_ptr<IUrlHistoryStg2, Releaser>;
-
-UrlHistory CreateUrlHistory() noexcept {
-    void* created = nullptr;
-    CoCreateInstance(kUrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER, kUrlHistoryInterface,
-                     &created);
-    return UrlHistory(static_cast<IUrlHistoryStg2*>(created));
-}
-
 bool ClearUrlHistory() noexcept {
-    const UrlHistory history = CreateUrlHistory();
+    CReference<IUrlHistoryStg2> history;
+    CoCreateInstance(kUrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER, kUrlHistoryInterface,
+                     history.PutVoid());
     if (!history) return false;
     // The result is not looked at, on purpose: to have reached the service counts.
     history->ClearHistory();

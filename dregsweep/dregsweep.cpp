@@ -53,15 +53,16 @@ void SendUsageEvents(const std::vector<CReference<CAppCatagory>>& categories) no
     constexpr uint32_t kCategoryOfType0 = 0x11003;
     constexpr uint32_t kCategoryOfType2 = 0x11004;
     for (const auto& category : categories) {
-        if (category->GetState() == 0) continue;
+        if (category->GetState() == SelectionNone) continue;
         if (category->CatagoryType == 0) SendUsageEvent(kCategoryOfType0);
         if (category->CatagoryType == 2) SendUsageEvent(kCategoryOfType2);
     }
 }
 
 uint32_t CountSelected(const std::vector<CReference<CAppCatagory>>& categories) {
-    return static_cast<uint32_t>(std::count_if(categories.begin(), categories.end(),
-                                               [](const auto& category) { return category->GetState() != 0; }));
+    return static_cast<uint32_t>(std::count_if(categories.begin(), categories.end(), [](const auto& category) {
+        return category->GetState() != SelectionNone;
+    }));
 }
 
 }  // namespace
@@ -115,9 +116,8 @@ uint64_t CDregsweep::DoInit(const wchar_t* configPath, const wchar_t* textPath, 
     if (const uint64_t code = LoadConfigFile()) return code;
     m_initialised = true;
     EnableRestorePrivilege();
-    // Through the table of virtual functions, and its result not used, on purpose.
-    IDregsweep* self = this;
-    self->ChangeResID(textPath, selector);
+    // The result is not used, on purpose: it never tells success.
+    ChangeResID(textPath, selector);
     return 0;
 }
 
@@ -179,6 +179,7 @@ uint64_t CDregsweep::ChangeResID(const wchar_t* textPath, ITextSelector* selecto
 }
 
 uint64_t CDregsweep::LoadTexts(const wchar_t* textPath, ITextSelector* selector) {
+    const auto keepAlive = CReference<CDregsweep>::Share(this);  // the selector is the host's
     if (!m_initialised) return kDregsweepChangeResID;
     TiXmlDocument document;
     if (!LoadXmlDocument(textPath, document)) return kDregsweepChangeResID;
@@ -235,7 +236,7 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
     bool goOn = true;
     for (const auto& category : categories) {
         if (!goOn || !m_initialised) break;
-        if (category->GetState() == 0) continue;
+        if (category->GetState() == SelectionNone) continue;
         // One by one: a gather that is stopped does not mark the categories behind.
         category->Mark(reinterpret_cast<uint64_t>(callback));
         const ProgressRange range = ranges.Next();
@@ -273,7 +274,7 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     bool goOn = true;
     for (const auto& category : categories) {
         if (!goOn || !m_initialised) break;
-        if (category->GetState() != 0) {
+        if (category->GetState() != SelectionNone) {
             const ProgressRange range = ranges.Next();
             category->SetRange(range.begin, range.end);
         }
@@ -319,8 +320,7 @@ bool CDregsweep::ResetForGather() {
 }
 
 bool CDregsweep::PrepareForClean() {
-    constexpr uint32_t kReadyToClean = 3;
-    EachCategory([](CAppCatagory& category) { category.SetStage(kReadyToClean); });
+    EachCategory([](CAppCatagory& category) { category.SetStage(StageReadyToClean); });
     return true;
 }
 
@@ -337,6 +337,7 @@ uint64_t CDregsweep::SetAllChecked(bool checked) {
 
 uint64_t CDregsweep::ClearTotals() {
     if (!m_initialised) return 0;
+    const CLockGuard guard(m_categories.Lock());
     ZeroVolume();
     // Restores the loaded selection too, on purpose.
     EachCategory([](CAppCatagory& category) { category.ResetAll(); });
@@ -345,10 +346,10 @@ uint64_t CDregsweep::ClearTotals() {
 
 // True to go on: nobody is asked between runs. Whatever the host throws counts as a stop.
 template <class Call>
-bool CDregsweep::AskHost(const wchar_t* cancelTrace, Call call, std::source_location line) noexcept {
+bool CDregsweep::AskHost(const wchar_t* cancelTrace, Call call, std::source_location where) noexcept {
     if (!m_callback) return true;
     const bool goOn = NoThrow(false, [&] { return call(*m_callback); });
-    if (!goOn) DregsweepTrace(cancelTrace, __FILE_NAME__, static_cast<int>(line.line()));
+    if (!goOn) DregsweepTrace(cancelTrace, __FILE_NAME__, static_cast<int>(where.line()));
     return goOn;
 }
 

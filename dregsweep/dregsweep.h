@@ -9,8 +9,8 @@
 
 #include "dregsweep/icompanionobject.h"
 #include "dregsweep/idregsweep.h"
-#include "rules/reference.h"
 #include "sysservices/lock.h"
+#include "sysservices/reference.h"
 #include "sysservices/text.h"
 #include "tree/appcatagory.h"
 #include "tree/childlist.h"
@@ -74,7 +74,7 @@ private:
     void EachCategory(Visit visit) noexcept;
     template <class Call>
     bool AskHost(const wchar_t* cancelTrace, Call call,
-                 std::source_location line = std::source_location::current()) noexcept;
+                 std::source_location where = std::source_location::current()) noexcept;
 
     std::atomic<uint32_t> m_outsideReferences{1};
     CReference<ICompanionObject> m_companion;  // null when its library is absent

@@ -14,6 +14,15 @@
 // reference count (IEUObject), totals (CGarbageVolume), a selection state (CGatherCheckProc) and the enumeration of its
 // children (CGatherIteratorProc).
 
+// Hosts and library share C++ classes: build the host with a compiler of the same binary interface (GCC for mingw-w64,
+// 64-bit).
+//
+// Effects beside those of the rules. Init enables SeRestorePrivilege in the token of the process and loads the optional
+// companion library "Tallyhost.dll" by the ordinary search; Clean loads "kxaide64.dll" or "kxaide.dll" from beside this
+// library, if there, and sends it an event for each selected category of type 0 or 2. In upgrade mode a gather, too,
+// changes the access-control list, and if need be the owner, of folders that cannot be listed, and a clean those of
+// files that cannot be deleted, for good.
+
 #include "dregsweep/idregsweepcallback.h"
 #include "tree/iappcatagory.h"
 #include "tree/itextselector.h"
@@ -66,15 +75,18 @@ public:
     // has no "Dregsweep" element. Nothing changes when the path is null, the engine is not ready or the file cannot be
     // read.
     virtual uint64_t ChangeResID(const wchar_t* textPath, ITextSelector* selector) = 0;
-    // Limits runs to folders whose path begins with one of the added prefixes; without any there is no limit. A plain
-    // comparison of characters that folds A to Z only and knows no separators, on purpose: "C:\Temp" admits
-    // "C:\TempFiles". The text is copied; null is ignored.
+    // Limits the folder scans of a gather to folders whose path begins with one of the added prefixes; without any
+    // there is no limit. Single files, shell folders, registry rules and cleaners are not limited, and a clean does not
+    // ask again: this is no fence around a rule file that you do not trust. A plain comparison of characters that folds
+    // A to Z only and knows no separators, on purpose: "C:\Temp" admits "C:\TempFiles". The text is copied; null is
+    // ignored.
     virtual void AddAllowedPath(const wchar_t* prefix) = 0;
     virtual void ClearAllowedPaths() = 0;
     // Scans what the selected rules describe and reports every item (see IDregsweepCallback). Zeroes the totals first,
     // also when nothing is selected. `callback` may be null; it is borrowed for the call. Deletes nothing.
     // True when the run went to its end, or there was nothing to do, or the engine is not ready; false when the host
-    // stopped it (totals stay as far as they got) or memory ran out.
+    // stopped it (totals stay as far as they got) or there was no memory to start. Memory that runs out inside a rule
+    // costs that rule and still answers true.
     virtual bool Gather(IDregsweepCallback* callback) = 0;
     // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
     // cleaners among them. Arguments and answers as for Gather. A rule that no Gather has ever reached while it was

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "tree/gatheriteratorproc.h"
 
 // A node's children, collected before any of them is used: a node has one cursor, so that nothing may come between the

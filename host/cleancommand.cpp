@@ -45,6 +45,7 @@ void PrintResult(COutput& out, CEngine& engine, const CRunObserver& observer) {
 ExitStatus DeleteFound(CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems) {
     CRunObserver observer(console, cancel, listItems);
     const bool finished = engine->Clean(&observer);
+    observer.Finish();
     PrintResult(console.out, engine, observer);
     if (finished) return ExitStatus::Done;
     if (!cancel.Requested()) throw CHostError(L"the engine gave up the clean, memory ran out: the result is partial");

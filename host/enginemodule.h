@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "dregsweep/idregsweep.h"
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "sysservices/text.h"
 
 // Dregsweep.dll, loaded from the folder of this executable and freed at the end of the scope. Every object that it gave

@@ -30,10 +30,9 @@ void AddGatherCommand(CLI::App& app, CommandAction& action) {
 }
 
 ExitStatus RunGather(CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems) {
-    const bool finished = [&] {
-        CRunObserver observer(console, cancel, listItems);
-        return engine->Gather(&observer);
-    }();
+    CRunObserver observer(console, cancel, listItems);
+    const bool finished = engine->Gather(&observer);
+    observer.Finish();
     const Amount found = PrintTotals(console.out, L"Found", *engine, EngineAmount);
     console.out.Line(L"Found " + ItemCount(found.items) + L", " + FullSize(found.bytes) + L".");
     if (finished) return ExitStatus::Done;

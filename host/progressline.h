@@ -24,12 +24,14 @@ public:
     // One more item.
     void Count(uint64_t bytes);
 
+    // Takes the line off the terminal; the next change draws it again.
+    void Remove() noexcept;
+
     // The line as it stands, in no more than `columns`.
     std::wstring Text(size_t columns) const;
 
 private:
     void Draw();
-    void Remove() noexcept;
 
     COutput& m_out;
     const bool m_shown;

@@ -25,6 +25,9 @@ public:
     bool Reserved() override { return GoOn(); }
     bool EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) override;
 
+    // Takes the progress line away before something else is printed.
+    void Finish() noexcept { m_progress.Remove(); }
+
     // What was reported as deleted from one garbage category.
     Amount Deleted(IGarbageCatagory& category) const;
     // The items that were reported as not deleted, in order.

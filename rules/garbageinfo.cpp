@@ -6,14 +6,13 @@
 #include "cleaners/emptyprocregistry.h"
 #include "rules/folderscan.h"
 #include "rules/location.h"
-#include "rules/reference.h"
 #include "rules/registryrule.h"
 #include "rules/systemversion.h"
 #include "sysservices/appinfomanager.h"
-#include "sysservices/comptr.h"
 #include "sysservices/fileaccess.h"
 #include "sysservices/filesearch.h"
 #include "sysservices/nothrow.h"
+#include "sysservices/reference.h"
 #include "sysservices/trace.h"
 #include "sysservices/xmlattribute.h"
 #include "tree/gathercheckprocimpl.h"
@@ -138,7 +137,7 @@ void CGarbageInfo::OpenVirtualFolder() {
 }
 
 void CGarbageInfo::OpenShellBrowser() {
-    CComPtr<IShellFolder> desktop;
+    CReference<IShellFolder> desktop;
     if (FAILED(SHGetDesktopFolder(desktop.Put()))) return;
     CString name = Path;  // the call takes a text that it may change
     CItemIdList folder;
@@ -181,9 +180,9 @@ void CGarbageInfo::LoadExcludePaths(const TiXmlElement& element) {
     for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
         CString path;
         if (!IsChildNamed(*child, "ExcludePath") || !ReadText(*child, "Path", path)) continue;
-        const bool iteration = ReadInteger(*child, "Iteration", 0) == 1;
-        const bool exactMatch = ReadInteger(*child, "ExactMatch", 0) == 1;
-        m_excludePaths.push_back({ToLower(path), exactMatch, iteration});
+        m_excludePaths.push_back({.path = ToLower(path),
+                                  .exactMatch = ReadInteger(*child, "ExactMatch", 0) == 1,
+                                  .iteration = ReadInteger(*child, "Iteration", 0) == 1});
     }
 }
 
@@ -246,30 +245,30 @@ bool CGarbageInfo::ScanShellFolder() {
 }
 
 bool CGarbageInfo::ListShellItems() {
-    constexpr auto onItem = [](const SHFILEINFOW& info, CItemIdList& child, void* context) {
-        return static_cast<CGarbageInfo*>(context)->RecordShellItem(info.szDisplayName, child);
+    struct Listing {
+        CGarbageInfo& rule;
+        uint32_t generation;
     };
-    return m_shellItem->ListItems(onItem, this);
-}
-
-// An item without a text is listed, to be deleted, but not reported, on purpose.
-bool CGarbageInfo::RecordShellItem(const wchar_t* text, CItemIdList& itemId) {
-    const CString path = text;
-    {
-        const CLockGuard guard(m_lock);
-        m_found.push_back({path, 0, std::move(itemId)});
-    }
-    const uint64_t size = 0;
-    return path.empty() || ReportFound(path, &size, CategoryValue());
+    constexpr auto onItem = [](const SHFILEINFOW& info, CItemIdList& child, void* context) {
+        const auto& listing = *static_cast<Listing*>(context);
+        return listing.rule.Record(info.szDisplayName, 0, std::move(child), listing.generation);
+    };
+    Listing listing{*this, m_generation};
+    return m_shellItem->ListItems(onItem, &listing);
 }
 
 bool CGarbageInfo::RecordFound(const CString& path, uint64_t size, uint32_t generation) {
+    return Record(path, size, CItemIdList(), generation);
+}
+
+bool CGarbageInfo::Record(const CString& path, uint64_t size, CItemIdList itemId, uint32_t generation) {
     {
         const CLockGuard guard(m_lock);
         if (generation != m_generation) return true;
-        m_found.push_back({path, size, {}});
+        m_found.push_back({path, size, std::move(itemId)});
     }
-    return ReportFound(path, &size, CategoryValue());
+    // An item without a text is listed, to be deleted, but not reported, on purpose.
+    return path.empty() || ReportFound(path, &size, CategoryValue());
 }
 
 bool CGarbageInfo::IsExcludedPath(std::wstring_view folderPath, std::wstring_view name, bool& onlyOwnFiles) const {
@@ -309,7 +308,12 @@ bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
         if (m_emptyProc) m_emptyProc->Run(a, b, c);
         if (IsRegistry) {
             // Nothing is reported, on purpose.
-            CleanRegistry({m_rootKey, Path, Filter, Iteration, DelKey(), ValueNames()});
+            CleanRegistry({.root = m_rootKey,
+                           .keyPath = Path,
+                           .subKeyFilter = Filter,
+                           .iteration = Iteration,
+                           .deleteKey = DelKey(),
+                           .valueNames = ValueNames()});
             return true;
         }
         return m_shellItem && !UseShellBrowse ? EmptyShellFolder() : CleanFound();

@@ -88,7 +88,7 @@ private:
     bool ScanFile();
     bool ScanShellFolder();
     bool ListShellItems();
-    bool RecordShellItem(const wchar_t* text, CItemIdList& itemId);
+    bool Record(const CString& path, uint64_t size, CItemIdList itemId, uint32_t generation);
     bool CleanFound();
     bool EmptyShellFolder();
     bool DeleteFoundFile(const CString& path);
@@ -97,7 +97,8 @@ private:
 
     IGarbageCatagory* const m_category;  // the parent; kept alive by CVolumeProc
 
-    CLock m_lock;  // guards the found items and the generation
+    // Guards the found items and the generation. A clean holds it while it tells the host, and while the shell deletes.
+    CLock m_lock;
     std::list<FoundItem> m_found;
     // Counts up with every item that leaves the list: a walk that was interrupted by a notification, from which the
     // host scans or cleans, can tell that its place in the list may be gone.

@@ -2,21 +2,27 @@
 
 #include <cstdint>
 
+// How far a node has come in a job. A run advances it by one when it starts and by one when it ends, up to the last.
+enum GarbageStage : uint32_t {
+    StageReset = 0,
+    StageGathering = 1,
+    StageGathered = 2,
+    StageReadyToClean = 3,
+    StageCleaning = 4,
+    StageCleaned = 5,
+};
+
 // What a node and everything below it has found: sizes in bytes, counts in items. Hosts read it through the getters;
 // only the thread of a running gather or clean changes it, without a lock, so read it between runs or from a
 // notification.
 class CGarbageVolume {
 public:
-    // Highest value of the stage, which GetExtraCount returns: 0 reset, 1 gathering, 2 gathered, 3 ready to clean,
-    // 4 cleaning, 5 cleaned.
-    static constexpr uint32_t kLastStage = 5;
-
     virtual ~CGarbageVolume() = default;
     // Bytes found, less the bytes reported as deleted.
     virtual uint64_t GetTotalSize() noexcept { return TotalSize; }
     // Bytes found and still to be cleaned.
     virtual uint64_t GetPendingSize() noexcept { return PendingSize; }
-    // The node's stage in the job (see kLastStage).
+    // The node's GarbageStage.
     virtual uint32_t GetExtraCount() noexcept { return ExtraCount; }
     // Items found, less the items reported as deleted.
     virtual uint32_t GetTotalCount() noexcept { return TotalCount; }
@@ -59,7 +65,7 @@ public:
     }
     // A stage of 5 or more stays as it is.
     void AdvanceStage() noexcept {
-        if (ExtraCount < kLastStage) ++ExtraCount;
+        if (ExtraCount < StageCleaned) ++ExtraCount;
     }
     void StoreStage(uint32_t stage) noexcept { ExtraCount = stage; }
 
@@ -68,5 +74,5 @@ protected:
     uint64_t PendingSize = 0;
     uint32_t TotalCount = 0;
     uint32_t PendingCount = 0;
-    uint32_t ExtraCount = 0;
+    uint32_t ExtraCount = StageReset;
 };

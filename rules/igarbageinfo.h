@@ -16,7 +16,7 @@ class IGarbageInfo : public CGatherIteratorProc<IGarbageInfo>,
                      public virtual IEUObject,
                      public virtual CGarbageVolume {
 public:
-    // Implemented by the host. It declares no destructor, so that its operation is the first in the table.
+    // Implemented by the host. It has no virtual destructor, so that its operation is the first in the table.
     class IVisitor {
     public:
         // One found item: its full path (UTF-16, valid during the call), its size in bytes, and the rule that found it

@@ -4,7 +4,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-bottom='^(rules/(ieuobject|garbagevolume|reference)\.h|[a-z]+/i[a-z]+\.h|tree/(gather|volume|loadresid|walkchildren|residtext)[a-z]*\.h)$'
+bottom='^(rules/(ieuobject|garbagevolume|igarbageinfo)\.h'
+bottom+='|tree/(iappcatagory|iappgarbageinfo|igarbagecatagory|itextselector|inforecords|ownedtext)\.h'
+bottom+='|tree/(gather|volume|loadresid|walkchildren|residtext)[a-z]*\.h'
+bottom+='|dregsweep/(idregsweep|idregsweepcallback)\.h|update/(iinternetfileproc|iinternetdatasink)\.h)$'
 
 check() {  # check FOLDER ALLOWED-FOLDERS...: FOLDER may include itself, the allowed folders and the bottom layer
     local folder=$1 allowed file target

@@ -10,6 +10,8 @@ set -euo pipefail
 
 if [ -n "${DSW_SANDBOX:-}" ]; then exec "$@"; fi
 
+command -v wine >/dev/null || { echo "sandbox: wine is not installed; run scripts/setup.sh" >&2; exit 1; }
+
 # With a display, shell confirmations would open and wait for ever.
 unset DISPLAY WAYLAND_DISPLAY WINEARCH WINESERVER WINELOADER
 # Without a UTF-8 locale Wine cannot create files with non-ASCII names.

@@ -4,6 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 preset=${1:-release}
 
+scripts/check-includes.sh
 scripts/setup.sh
 cmake --preset "$preset"
 cmake --build --preset "$preset"

@@ -18,5 +18,6 @@
 [[nodiscard]] bool TakeOwnership(const PrivilegeContext& context, const CString& path) noexcept;
 
 // With the restore context: grants full access; when that fails, takes ownership and, if that works, grants once more.
-// Answers whether a grant worked; callers simply try again what was refused. The old descriptor is not put back.
+// Answers whether a grant worked; callers simply try again what was refused. The old descriptor is not put back, on
+// purpose, also when the second try fails.
 bool UnlockPath(const CString& path) noexcept;

@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "sysservices/handle.h"
+
 namespace {
 
 constexpr uint32_t kScratchBytes = 10240;
@@ -13,29 +15,17 @@ constexpr uint32_t kScratchBytes = 10240;
 constinit PrivilegeContext g_backupContext{/*forBackup=*/true};
 constinit PrivilegeContext g_restoreContext{/*forBackup=*/false};
 
-// The token of the own process, closed at the end of the scope.
-class CProcessToken {
-public:
-    CProcessToken() noexcept {
-        if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &m_token)) m_token = nullptr;
-    }
-    ~CProcessToken() {
-        if (m_token) CloseHandle(m_token);
-    }
-    CProcessToken(const CProcessToken&) = delete;
-    CProcessToken& operator=(const CProcessToken&) = delete;
+CHandle OpenOwnToken() noexcept {
+    CHandle token;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, token.Put());
+    return token;
+}
 
-    explicit operator bool() const noexcept { return m_token != nullptr; }
-
-    bool Enable(const LUID& privilege) const noexcept {
-        TOKEN_PRIVILEGES wanted = {1, {{privilege, SE_PRIVILEGE_ENABLED}}};
-        // Deliberately only the call's own result: ERROR_NOT_ALL_ASSIGNED counts as success.
-        return AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr) != FALSE;
-    }
-
-private:
-    HANDLE m_token = nullptr;
-};
+bool Enable(const CHandle& token, const LUID& privilege) noexcept {
+    TOKEN_PRIVILEGES wanted = {1, {{privilege, SE_PRIVILEGE_ENABLED}}};
+    // The call's own result only, on purpose: a privilege that was not assigned counts as enabled.
+    return AdjustTokenPrivileges(token.get(), FALSE, &wanted, 0, nullptr, nullptr) != FALSE;
+}
 
 std::optional<LUID> FindPrivilege(const wchar_t* name) noexcept {
     LUID privilege = {};
@@ -52,9 +42,9 @@ CSidPointer MakeAdministratorsSid() noexcept {
 }
 
 // The group that can be made the owner of any file, as far as the process may do so.
-CSidPointer PrepareOwnership(const CProcessToken& token) noexcept {
+CSidPointer PrepareOwnership(const CHandle& token) noexcept {
     const std::optional<LUID> takeOwnership = FindPrivilege(SE_TAKE_OWNERSHIP_NAME);
-    if (!takeOwnership || !token.Enable(*takeOwnership)) return nullptr;
+    if (!takeOwnership || !Enable(token, *takeOwnership)) return nullptr;
     return MakeAdministratorsSid();
 }
 
@@ -73,8 +63,8 @@ bool EnablePrivileges(PrivilegeContext& context) noexcept {
 
     const std::optional<LUID> privilege = FindPrivilege(context.backupMode ? SE_BACKUP_NAME : SE_RESTORE_NAME);
     if (!privilege) return false;
-    const CProcessToken token;
-    if (!token || !token.Enable(*privilege)) return false;
+    const CHandle token = OpenOwnToken();
+    if (!token || !Enable(token, *privilege)) return false;
     CSidPointer administrators = context.backupMode ? nullptr : PrepareOwnership(token);
 
     decltype(context.scratch) scratch;

@@ -34,8 +34,8 @@ CString FileSystemPath(LPCITEMIDLIST item) {
 
 // Hands each item's child list to `visit`; returns its last answer, true when there was none. False stops.
 template <class Visit>
-bool ForEachItem(const CComPtr<IShellFolder2>& folder, SHCONTF flags, Visit visit) {
-    CComPtr<IEnumIDList> items;
+bool ForEachItem(const CReference<IShellFolder2>& folder, SHCONTF flags, Visit visit) {
+    CReference<IEnumIDList> items;
     folder->EnumObjects(nullptr, flags, items.Put());
     bool goOn = true;
     // A folder without items may succeed and hand out no enumerator.
@@ -123,7 +123,7 @@ private:
 CShellItemProc::CShellItemProc(LPCITEMIDLIST pidl, bool wholeItemMode, HRESULT& result) noexcept
     : m_pidl(pidl),
       m_wholeItemMode(wholeItemMode) {
-    CComPtr<IShellFolder> desktop;
+    CReference<IShellFolder> desktop;
     result = SHGetDesktopFolder(desktop.Put());
     if (SUCCEEDED(result)) result = desktop->BindToObject(pidl, nullptr, IID_IShellFolder2, m_folder.PutVoid());
     // Whether bound or not, on purpose.
@@ -144,7 +144,7 @@ bool CShellItemProc::ListItems(ItemCallback onItem, void* context) const {
 
 bool CShellItemProc::InvokeDelete(LPCITEMIDLIST childPidl) const noexcept {
     if (!m_folder || !childPidl) return false;
-    CComPtr<IContextMenu> menu;
+    CReference<IContextMenu> menu;
     m_folder->GetUIObjectOf(nullptr, 1, &childPidl, IID_IContextMenu, nullptr, menu.PutVoid());
     if (!menu) return false;
 

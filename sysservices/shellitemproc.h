@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "sysservices/comptr.h"
 #include "sysservices/itemidlist.h"
+#include "sysservices/reference.h"
 #include "sysservices/shellfileinfo.h"
 #include "sysservices/text.h"
 
@@ -99,7 +99,7 @@ private:
     static bool WalkVirtualItem(LPCITEMIDLIST item, const Callbacks& callbacks, int depth);
 
     CShellFileInfo m_info;
-    CComPtr<IShellFolder2> m_folder;
+    CReference<IShellFolder2> m_folder;
     LPCITEMIDLIST m_pidl;
     bool m_wholeItemMode;
 };

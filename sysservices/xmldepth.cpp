@@ -6,6 +6,9 @@
 #include <array>
 #include <cctype>
 
+// The scanner mirrors this version to the byte.
+static_assert(TIXML_MAJOR_VERSION == 2 && TIXML_MINOR_VERSION == 6 && TIXML_PATCH_VERSION == 2);
+
 namespace {
 
 // Steps through a text token by token exactly as TinyXML does, its oddities included: whoever skips one byte more or

@@ -37,11 +37,10 @@ void CAppCatagory::ChangeResIDOfChildren(const CResIdTextTable& table, ITextSele
 }
 
 bool CAppCatagory::LoadXml(const TiXmlElement* element) {
-    constexpr uint32_t kDefaultType = 3;
     LoadResID(element);
     LoadSelState(element);
     const bool hasName = ReadText(*element, "Name", Name);
-    CatagoryType = static_cast<uint32_t>(ReadInteger(*element, "CatagoryType", kDefaultType));
+    CatagoryType = static_cast<uint32_t>(ReadInteger(*element, "CatagoryType", kDefaultCatagoryType));
     LargeIcon = ReadInteger(*element, "LargeIcon", LargeIcon);
     ReadText(*element, "Icon", Icon);
     const bool childrenLoaded = LoadChildren(*element);

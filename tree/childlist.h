@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <list>
 #include <memory>
 
 #include "sysservices/lock.h"
+#include "sysservices/reference.h"
 
 class TiXmlElement;
 
@@ -48,17 +50,22 @@ public:
             const CLockGuard guard(m_lock);
             gone.swap(m_children);
             m_cursor = m_children.end();
+            ++m_generation;
         }
         for (Class* child : gone)
             Discard()(child);
     }
 
-    // Calls visit(child) in list order, with the lock held throughout, until it answers false; false then.
+    // Calls visit(child) in list order, with the lock held throughout, until it answers false; false then. A visit that
+    // has the children released, on this thread, is the last one.
     template <class Visit>
     bool VisitLocked(Visit visit) {
         const CLockGuard guard(m_lock);
-        for (Class* child : m_children) {
-            if (!visit(*child)) return false;
+        const uint32_t generation = m_generation;
+        for (auto child = m_children.begin(); child != m_children.end(); ++child) {
+            const auto held = CReference<Class>::Share(*child);
+            if (!visit(*held)) return false;
+            if (generation != m_generation) break;
         }
         return true;
     }
@@ -80,7 +87,8 @@ private:
         return *m_cursor;
     }
 
-    CLock m_lock;  // guards the two below
+    CLock m_lock;  // guards the three below
     std::list<Class*> m_children;
     typename std::list<Class*>::iterator m_cursor = m_children.end();
+    uint32_t m_generation = 0;  // counts the releases
 };

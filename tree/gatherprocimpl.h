@@ -2,17 +2,9 @@
 
 // The bodies of CGatherProc. Included by the file that instantiates a level, where node and child are complete.
 
-#include <limits>
-
+#include "tree/gathercheckproc.h"
 #include "tree/gatherproc.h"
 #include "tree/walkchildren.h"
-
-// Truncates toward zero, as the notifications show progress.
-inline uint32_t TruncateToUint32(double value) noexcept {
-    constexpr double kMax = std::numeric_limits<uint32_t>::max();
-    if (!(value > 0)) return 0;
-    return value < kMax ? static_cast<uint32_t>(value) : std::numeric_limits<uint32_t>::max();
-}
 
 template <class Self, class Child>
 template <class Visit>
@@ -24,7 +16,7 @@ template <class Self, class Child>
 bool CGatherProc<Self, Child>::Mark(uint64_t value) {
     // An unselected node loses its totals too, on purpose.
     Node().ZeroVolume();
-    if (Node().GetState() == 0) return true;
+    if (Node().GetState() == SelectionNone) return true;
     m_marked = true;
     if constexpr (!kIsLeaf) {
         EachChild([value](Child& child) { return child.Mark(value); });
@@ -43,7 +35,7 @@ void CGatherProc<Self, Child>::Reset() {
         });
     }
     Node().ZeroVolume();
-    Node().StoreStage(0);
+    Node().StoreStage(StageReset);
 }
 
 template <class Self, class Child>
@@ -59,7 +51,7 @@ void CGatherProc<Self, Child>::SetStage(uint32_t stage) {
 
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::Run(Pass pass) {
-    if (!m_marked || Node().GetState() == 0) return true;
+    if (!m_marked || Node().GetState() == SelectionNone) return true;
     Node().AdvanceStage();
     // A clean keeps the totals of the gather: each deleted item lowers them.
     if (pass == Pass::Gather) Node().ZeroVolume();
@@ -79,7 +71,7 @@ bool CGatherProc<Self, Child>::Run(Pass pass) {
 
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::ReportRange() {
-    return Node().ReportProgress(TruncateToUint32(m_rangeBegin), TruncateToUint32(m_rangeEnd));
+    return Node().ReportProgress(static_cast<uint32_t>(m_rangeBegin), static_cast<uint32_t>(m_rangeEnd));
 }
 
 // The first false ends it: later children get neither a range nor a run. A clean also visits children whose gather
@@ -88,14 +80,14 @@ template <class Self, class Child>
 bool CGatherProc<Self, Child>::RunChildren(Pass pass) {
     uint32_t selected = 0;
     EachChild([&](Child& child) {
-        selected += child.GetState() != 0;
+        selected += child.GetState() != SelectionNone;
         return true;
     });
     const double step = selected > 0 ? (m_rangeEnd - m_rangeBegin) / selected : 0;
     double position = m_rangeBegin;
     bool goOn = true;
     EachChild([&](Child& child) {
-        if (child.GetState() == 0) return true;
+        if (child.GetState() == SelectionNone) return true;
         // Compared without a tolerance, on purpose: the last child but one often takes all that is left as well.
         const bool takesAllThatIsLeft = step * 2 > m_rangeEnd - position;
         child.SetRange(position, takesAllThatIsLeft ? m_rangeEnd : position + step);

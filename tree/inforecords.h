@@ -9,10 +9,13 @@
 // GetInfo; read them through the ...Text pointers, which GetInfo refreshes and the next GetInfo or ChangeResID may
 // move.
 
+constexpr uint32_t kDefaultCatagoryType = 3;
+
 #pragma pack(push, 4)
 
 struct _DSW_AppCatagory_Info_ {
-    uint32_t CatagoryType = 3;  // 0 and 2 make every application in it present; 1 and 3 mean what the host wants
+    uint32_t CatagoryType =
+        kDefaultCatagoryType;  // 0 and 2 make every application in it present; 1 and 3 mean what the host wants
     COwnedText Name;
     const wchar_t* NameText = nullptr;
     int32_t LargeIcon = 0;  // icon index or resource number, for the host

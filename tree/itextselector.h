@@ -1,7 +1,7 @@
 #pragma once
 
-// Implemented by the host: chooses another text for a localised name. It declares no destructor, so that its operation
-// is the first in the table.
+// Implemented by the host: chooses another text for a localised name. It has no virtual destructor, so that its
+// operation is the first in the table.
 class ITextSelector {
 public:
     // `text` is a name as the text file gives it (UTF-16, null-terminated, valid during the call). Returns the text to

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 
 // Calls visit(child) for the children of a node, in list order, until it answers false. Each child is held by a
 // reference while it is visited.

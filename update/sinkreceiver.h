@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "update/idownloadreceiver.h"
 #include "update/iinternetdatasink.h"
 

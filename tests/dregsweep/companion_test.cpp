@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "tests/dregsweep/builtfiles.h"
 #include "tests/dregsweep/fakecompanion.h"
 

@@ -1,6 +1,6 @@
 #include "rules/garbageinfo.h"
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "tests/rules/recordingrule.h"
 #include "tree/appgarbageinfo.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "tests/support/iatpatch.h"
 #include "tests/support/loopbackhttp.h"
 #include "tests/support/tempfolder.h"

@@ -2,14 +2,14 @@
 
 #include <utility>
 
-// Owns one reference on a counted object and gives it up at the end of its scope.
+// Owns one reference on a counted object, of this engine or of COM, and gives it up at the end of its scope.
 template <class T>
 class CReference {
 public:
     CReference() noexcept = default;
     // Adopts a reference that the caller already holds.
     explicit CReference(T* adopted) noexcept : m_object(adopted) {}
-    // Takes a further reference on an object that somebody else holds.
+    // Takes a further reference on an object that somebody else holds; null gives an empty owner.
     static CReference Share(T* object) noexcept {
         if (object) object->AddRef();
         return CReference(object);
@@ -17,12 +17,20 @@ public:
 
     CReference(CReference&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
     CReference& operator=(CReference&& other) noexcept {
-        CReference old(std::exchange(m_object, std::exchange(other.m_object, nullptr)));
+        const CReference old(std::exchange(m_object, std::exchange(other.m_object, nullptr)));
         return *this;
     }
     ~CReference() {
         if (m_object) m_object->Release();
     }
+
+    // Gives up what it holds and returns the place for an out argument, whose reference it then owns. The second form
+    // fits COM operations that take an interface identifier.
+    T** Put() noexcept {
+        *this = CReference();
+        return &m_object;
+    }
+    void** PutVoid() noexcept { return reinterpret_cast<void**>(Put()); }
 
     T* get() const noexcept { return m_object; }
     T* operator->() const noexcept { return m_object; }
