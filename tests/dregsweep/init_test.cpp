@@ -1,3 +1,5 @@
+#include <process.h>
+
 #include <functional>
 #include <optional>
 
@@ -37,14 +39,20 @@ const std::string kGood = "<R><AppCategoryInfo Name='a'/></R>";
 
 // Each attribute that a rule file may have, of the wrong type.
 const std::string kMistyped = [] {
-    const std::string node =
-        " Name='nan' ResID='nan' SelState='nan' CatagoryType='nan' LargeIcon='nan' Icon='nan' ProductName='nan' "
-        "InBuildProgram='nan' LockFile='nan' CatagoryID='nan'>";
-    return "<R><AppCategoryInfo" + node + "<AppInfo" + node + "<GarbageCatagory" + node
-           + "<GarbageInfo SelState='nan' Registry='nan' Path='nan' GetByReg='nan' IsFolder='nan' Iteration='nan' FolderIndex='nan' "
-             "FolderX86EnvDir='nan' Filter='nan' ExcludeFilter='nan' EmptyProc='nan' LoopPath='nan' ExcludePath='nan' "
-             "SelfExclude='nan' UseShellBrowse='nan' RootKey='nan' KeyPath='nan' Value='nan' DelKey='nan'/>"
-             "<GarbageInfo Path='nan' FolderEnvDir='nan'/></GarbageCatagory></AppInfo></AppCategoryInfo></R>";
+    const auto node = [](const std::string& tag, const std::wstring& names) {
+        std::string xml = "<" + tag;
+        for (const std::wstring& name : Split(names, L" "))
+            xml += " " + WideToUtf8(name) + "='nan'";
+        return xml + ">";
+    };
+    return "<R>" + node("AppCategoryInfo", L"Name ResID SelState CatagoryType LargeIcon Icon")
+           + node("AppInfo", L"Name ResID SelState LargeIcon Icon ProductName InBuildProgram LockFile")
+           + node("GarbageCatagory", L"Name ResID SelState CatagoryID")
+           + node("GarbageInfo",
+                  L"SelState Registry Path GetByReg IsFolder Iteration FolderIndex Filter ExcludeFilter "
+                  L"EmptyProc LoopPath ExcludePath SelfExclude UseShellBrowse RootKey KeyPath DelKey")
+           + "</GarbageInfo>" + node("GarbageInfo", L"Path FolderX86EnvDir FolderEnvDir")
+           + "</GarbageInfo></GarbageCatagory></AppInfo></AppCategoryInfo></R>";
 }();
 
 }  // namespace
@@ -61,18 +69,15 @@ TEST(Init, AnswersTheCodeAndDeletesNothingWhateverTheRuleFileHolds) {
         {"blank", " \r\n", 0, L""},
         {"no element", "<?xml version='1.0'?><!-- none -->", kConfigFailed, L""},
         {"truncated", kGood.substr(0, kGood.size() - 3), 0, L""},
-        {"truncated in a tag", "<R><AppCategoryInfo Name='a", 0, L""},
         {"binary", std::string("MZ\0\xFF<\x01", 6), 0, L""},
         {"UTF-16", Utf16(kGood), 0, L""},
         {"nested", Repeat("<a>", 100'000), 0, L""},
         {"nested and closed", Repeat("<a>", 100'000) + Repeat("</a>", 100'000), 0, L""},
         {"large", "<R><!--" + std::string(50'000'000, 'x') + "--><AppCategoryInfo Name='a'/></R>", 0, L"a;"},
-        {"large text", "<R><AppCategoryInfo Name='a' Icon='" + std::string(5'000'000, 'x') + "'/></R>", 0, L"a;"},
         {"mistyped", kMistyped, 0, L"nan;"},
         {"with BOM", "\xEF\xBB\xBF" + kGood, 0, L"a;"},
         {"root without a child", "<R>text<!-- --></R>", kConfigFailed, L""},
         {"foreign children", "<R><appcategoryinfo/><AppCatagoryInfo/><x/></R>", 0, L""},
-        {"foreign among others", "<R><x/><AppCategoryInfo Name='a'/><x/><AppCategoryInfo Name='b'/></R>", 0, L"a;b;"},
         {"bad category", "<R><AppCategoryInfo Name='a'/><AppCategoryInfo/><AppCategoryInfo Name='c'/></R>",
          kConfigFailed, L"a;"},
     };
@@ -224,24 +229,14 @@ TEST(OldSystem, DISABLED_LoadsItsRules) {
 
 TEST(OldSystem, LoadsItsRulesOnBuild2600) {
     const TempFolder folder;
-    const std::wstring name = L"dswxp" + std::to_wstring(GetCurrentProcessId()) + L".exe";
+    const std::wstring name = L"dswxp" + std::to_wstring(GetCurrentProcessId()) + L".exe", copy = folder / name;
     const std::wstring key = L"Software\\Wine\\AppDefaults\\" + name;
     wchar_t self[MAX_PATH];
     GetModuleFileNameW(nullptr, self, MAX_PATH);
-    ASSERT_TRUE(CopyFileW(self, (folder / name).c_str(), FALSE));
+    ASSERT_TRUE(CopyFileW(self, copy.c_str(), FALSE));
     ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Version", REG_SZ, L"winxp", 12), ERROR_SUCCESS);
-    std::wstring command =
-        L"\"" + folder / name + L"\" --gtest_also_run_disabled_tests --gtest_filter=OldSystem.DISABLED_*";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    ASSERT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
-    WaitForSingleObject(process.hProcess, INFINITE);
-    DWORD exitCode = 1;
-    GetExitCodeProcess(process.hProcess, &exitCode);
-    EXPECT_EQ(exitCode, 0u);
-    CloseHandle(process.hProcess);
-    CloseHandle(process.hThread);
+    EXPECT_EQ(_wspawnl(_P_WAIT, copy.c_str(), name.c_str(), L"--gtest_also_run_disabled_tests",
+                       L"--gtest_filter=OldSystem.DISABLED_*", nullptr),
+              0);
     RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
 }

@@ -6,90 +6,67 @@
 
 namespace {
 
-// One life of an engine.
-const struct Life {
-    const char* name;
-    void (*live)(const SmallJob& job);
-} kLives[] = {
-    {"WithUninit",
-     [](const SmallJob& job) {
-         const Engine engine = NewEngine(job);
-         EXPECT_TRUE(engine->Gather(nullptr) && engine->Clean(nullptr));
-         engine->Uninit();
-     }},
-    {"WithoutUninit",
-     [](const SmallJob& job) {
-         const Engine engine = NewEngine(job);
-         EXPECT_TRUE(engine->Gather(nullptr));
-     }},
-    {"WithSeveralInits",
-     [](const SmallJob& job) {
-         const Engine engine = NewEngine(job);
-         engine->Gather(nullptr);
-         engine->Uninit();
-         engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
-     }},
-    {"WithAFailingRuleFile",
-     [](const SmallJob& job) {
-         const std::wstring bad = job.folder.Write(
-             L"bad.xml",
-             "<R><AppCategoryInfo Name='a'><AppInfo Name='b'/></AppCategoryInfo><AppCategoryInfo Name='c'><AppInfo "
-             "Name='d'><GarbageCatagory Name='e'><GarbageInfo Path='x'/></GarbageCatagory><GarbageCatagory/></AppInfo>"
-             "</AppCategoryInfo></R>");
-         const Engine engine = NewEngine();
-         EXPECT_NE(engine->Init(bad.c_str(), L"", nullptr), 0u);
-         EXPECT_NE(engine->Init(bad.c_str(), L"", nullptr), 0u);
-     }},
-    {"WithACategoryHeldByTheHost",
-     [](const SmallJob& job) {
-         Engine engine = NewEngine(job);
-         engine->Gather(nullptr);
-         const CReference category(engine->GetFirstCategory());
-         CDregsweep* watched = engine.get();
-         engine = Engine();
-         EXPECT_EQ(watched->GetFirstCategory(), nullptr) << "alive by the category, but no longer ready";
-         EXPECT_STREQ(category->GetInfo()->NameText, L"A");
-         EXPECT_EQ(category->GetFirstChild(), nullptr);
-         EXPECT_TRUE(category->HostNotify1(0));
-         category->Toggle();
-     }},
-    {"WithARuleHeldByTheHost",
-     [](const SmallJob& job) {
-         Engine engine = NewEngine(job);
-         engine->Gather(nullptr);
-         const auto rule = std::move(ChildrenOf(*ChildrenOf(*ChildrenOf(*ChildrenOf(*engine)[0])[0])[0])[0]);
-         engine->Uninit();
-         engine = Engine();
-         EXPECT_EQ(rule->GetTotalCount(), 2u);
-         rule->Toggle();
-     }},
-    {"WithACategoryOfAnEarlierInit",
-     [](const SmallJob& job) {
-         Engine engine = NewEngine(job);
-         const CReference category(engine->GetFirstCategory());
-         engine->Uninit();
-         engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
-         engine = Engine();
-     }},
-};
+using Life = void (*)(const SmallJob& job);
+
+void WithUninit(const SmallJob& job) {
+    const Engine engine = NewEngine(job);
+    EXPECT_TRUE(engine->Gather(nullptr) && engine->Clean(nullptr));
+    engine->Uninit();
+}
+
+void WithoutUninit(const SmallJob& job) {
+    EXPECT_TRUE(NewEngine(job)->Gather(nullptr));
+}
+
+void WithAFailingRuleFile(const SmallJob& job) {
+    const std::wstring bad = job.folder.Write(
+        L"bad.xml",
+        "<R><AppCategoryInfo Name='a'><AppInfo Name='b'/></AppCategoryInfo><AppCategoryInfo Name='c'><AppInfo Name='d'>"
+        "<GarbageCatagory Name='e'><GarbageInfo Path='x'/></GarbageCatagory><GarbageCatagory/></AppInfo>"
+        "</AppCategoryInfo></R>");
+    const Engine engine = NewEngine();
+    EXPECT_NE(engine->Init(bad.c_str(), L"", nullptr), 0u);
+    EXPECT_NE(engine->Init(bad.c_str(), L"", nullptr), 0u);
+}
+
+void WithNodesHeldByTheHost(const SmallJob& job) {
+    Engine engine = NewEngine(job);
+    engine->Gather(nullptr);
+    const CReference category(engine->GetFirstCategory());
+    const auto rule = std::move(ChildrenOf(*ChildrenOf(*ChildrenOf(*category)[0])[0])[0]);
+    CDregsweep* watched = engine.get();
+    engine = Engine();
+    EXPECT_EQ(watched->GetFirstCategory(), nullptr) << "alive by the category, but no longer ready";
+    EXPECT_STREQ(category->GetInfo()->NameText, L"A");
+    EXPECT_EQ(category->GetFirstChild(), nullptr);
+    EXPECT_TRUE(category->HostNotify1(0));
+    EXPECT_EQ(rule->GetTotalCount(), 2u);
+    rule->Toggle();
+}
+
+void WithACategoryOfAnEarlierInit(const SmallJob& job) {
+    Engine engine = NewEngine(job);
+    const CReference category(engine->GetFirstCategory());
+    engine->Uninit();
+    engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
+    engine = Engine();
+}
 
 }  // namespace
 
-class EngineLife : public testing::TestWithParam<Life> {};
-
-TEST_P(EngineLife, LeavesNothingBehind) {
+TEST(EngineLife, LeavesNothingBehind) {
     const SmallJob job;
-    long long live = 0;
-    for (int round = 0; round < 50; ++round) {
-        GetParam().live(job);
-        TakeTraceLines();
-        if (round == 0) live = alloc_guard::Live();
-        ASSERT_EQ(alloc_guard::Live(), live) << round;
+    for (const Life live :
+         {WithUninit, WithoutUninit, WithAFailingRuleFile, WithNodesHeldByTheHost, WithACategoryOfAnEarlierInit}) {
+        long long before = 0;
+        for (int round = 0; round < 50; ++round) {
+            live(job);
+            TakeTraceLines();
+            if (round == 0) before = alloc_guard::Live();
+            ASSERT_EQ(alloc_guard::Live(), before) << round;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rounds, EngineLife, testing::ValuesIn(kLives),
-                         [](const auto& test) { return std::string(test.param.name); });
 
 // Counts without an allocation of its own.
 class CountingHost final : public IDregsweepCallback {
