@@ -60,6 +60,7 @@ TEST(EngineLife, LeavesNothingBehind) {
          {WithUninit, WithoutUninit, WithAFailingRuleFile, WithNodesHeldByTheHost, WithACategoryOfAnEarlierInit}) {
         long long before = 0;
         for (int round = 0; round < 50; ++round) {
+            job.Seed();
             live(job);
             TakeTraceLines();
             if (round == 0) before = alloc_guard::Live();

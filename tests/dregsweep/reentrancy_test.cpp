@@ -156,20 +156,18 @@ TEST(HostThatReleasesAnotherEngine, KeepsItsOwnFiles) {
     const IatPatch patch(nullptr, "kernel32.dll", "GetModuleFileNameW",
                          reinterpret_cast<const void*>(static_cast<Function>(tellHostFile)));
     ASSERT_TRUE(patch.ok());
-    const std::wstring rules = job.folder.Write(
-        L"host.xml",
+    const char* xml =
         "<R><AppCategoryInfo Name='a' SelState='2'><AppInfo Name='b'><GarbageCatagory Name='c'><GarbageInfo "
-        "FolderEnvDir='DSW_JOB' Path='' IsFolder='1' "
-        "Iteration='1'/></GarbageCatagory></AppInfo></AppCategoryInfo></R>");
+        "FolderEnvDir='DSW_JOB' Path='' IsFolder='1' Iteration='1'/></GarbageCatagory></AppInfo></AppCategoryInfo></R>";
     for (const bool releases : {false, true}) {
         job.Seed();
         const Engine engine = NewEngine();
-        ASSERT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
+        ASSERT_EQ(engine->Init(job.folder.Write(L"host.xml", xml).c_str(), L"", nullptr), 0u);
         RecordingHost host(job.folder.path(), [releases](size_t) { return !releases || NewEngine(); });
         EXPECT_TRUE(engine->Gather(&host) && engine->Clean(&host));
         EXPECT_EQ(host.With(L"emptied a\\").size(), 2u) << releases;
         EXPECT_EQ(host.With(L"emptied b\\").size(), 0u) << releases;
         EXPECT_TRUE(job.folder.Has(L"b\\3.log"));
     }
-    hostFile = {};
+    std::wstring().swap(hostFile);  // no allocation stays
 }
