@@ -62,7 +62,8 @@ TEST_F(Module, ExportsTheFactoriesOnly) {
     std::vector<std::string> names;
     for (DWORD i = 0; i < exports->NumberOfNames; ++i)
         names.emplace_back(At<char>(At<DWORD>(exports->AddressOfNames)[i]));
-    EXPECT_THAT(names, testing::ElementsAre("GetImp", "GetPrivacyProcImp"));
+    EXPECT_THAT(names, testing::ElementsAre("EndFunc", "GetImp", "GetInetFileProcImp", "GetPrivacyProcImp",
+                                            "GetSysUpgradeClearImp", "StartFunc"));
     EXPECT_EQ(Factory("GetImp"), Factory("GetPrivacyProcImp"));
 }
 

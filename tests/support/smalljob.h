@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "sysservices/text.h"
 #include "tests/support/recordinghost.h"
 #include "tests/support/tempfolder.h"
