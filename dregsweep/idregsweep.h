@@ -28,7 +28,7 @@
 #include "tree/itextselector.h"
 #include "update/iinternetfileproc.h"
 
-// What Init and ChangeResID return. 0 is success, or that there was nothing to do.
+// What Init and ChangeResID return beside 0, which is Init's success, or that there was nothing to do.
 constexpr uint64_t kDregsweepConfigFailed = 0x990006;  // Init: a root without child elements, or a category that failed
 constexpr uint64_t kDregsweepChangeResID = 0xAC0006;   // ChangeResID: in every other case, success included
 constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file has no "Dregsweep" element
@@ -89,9 +89,10 @@ public:
     // costs that rule and still answers true.
     virtual bool Gather(IDregsweepCallback* callback) = 0;
     // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
-    // cleaners among them. Arguments and answers as for Gather. A rule that no Gather has ever reached while it was
-    // selected is never cleaned; one that any Gather has reached may be, on purpose, also when a later one was stopped
-    // before it.
+    // cleaners among them. Arguments and answers as for Gather. A gather makes all that is selected in a category part
+    // of the job as it enters the category, and nothing takes it out again but deselecting, on purpose: after a gather
+    // that was stopped, a clean also runs registry rules and special cleaners that the gather had not reached, and
+    // those that an earlier gather had. A category that no gather has entered is not cleaned.
     virtual bool Clean(IDregsweepCallback* callback) = 0;
     // What Gather and Clean do to all categories before they start. Always true.
     virtual bool ResetForGather() = 0;

@@ -22,7 +22,7 @@ public:
     virtual uint64_t GetTotalSize() noexcept { return TotalSize; }
     // Bytes found and still to be cleaned.
     virtual uint64_t GetPendingSize() noexcept { return PendingSize; }
-    // The node's GarbageStage.
+    // The node's GarbageStage; 0 for the engine.
     virtual uint32_t GetExtraCount() noexcept { return ExtraCount; }
     // Items found, less the items reported as deleted.
     virtual uint32_t GetTotalCount() noexcept { return TotalCount; }
