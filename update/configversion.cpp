@@ -38,7 +38,8 @@ void LoadConfigVersion(const CString& iniPath) noexcept {
 void StoreConfigVersion(const CString& iniPath, uint32_t version) noexcept {
     g_version = version;
     wchar_t text[16] = {};
-    // Signed, on purpose: versions above 2^31 are written negative, and read back as what they were.
+    // Signed, on purpose: versions of 2^31 and more are written as negative numbers, and what those read as is up to
+    // the system.
     _snwprintf(text, ARRAYSIZE(text) - 1, L"%04d", static_cast<int>(version));
     // Not examined, on purpose: the version in memory holds even where the file cannot be written.
     WritePrivateProfileStringW(kSection, kKey, text, iniPath.c_str());

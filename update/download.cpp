@@ -54,17 +54,17 @@ bool CDownload::IsOver() const noexcept {
 }
 
 void CDownload::TryRow(int row) {
-    Buffers buffers;
     const CInetHandle request = OpenRequest(row);
     if (!request || !LearnSize(request.get())) return;
     InternetSetFilePointer(request.get(), 0, nullptr, FILE_BEGIN, 0);
-    if (!QueryAvailable(row, request.get(), buffers.available)) return;
+    if (!QueryAvailable(row, request.get())) return;
     if (!m_receiver.Open(row, m_url)) return;
     const CReceiverCloser closer(m_receiver);
-    buffers.chunk.resize(ChunkSize(buffers.available));
-    Transfer(row, request.get(), buffers);
+    m_chunk.resize(ChunkSize(m_available));
+    Transfer(row, request.get());
 }
 
+// No status code is looked at, on purpose: the body of an error page counts as the resource.
 CInetHandle CDownload::OpenRequest(int row) const noexcept {
     CInetHandle request(InternetOpenUrlW(m_roots[static_cast<size_t>(row)].get(), m_url, nullptr, 0, kRequestFlags, 0));
     if (!request) DregsweepTrace(L"[InternetFileProc] InternetOpenUrl fail,%d,%s,%d", row, m_url, GetLastError());
@@ -79,28 +79,27 @@ bool CDownload::LearnSize(HINTERNET request) {
     return Passes(m_receiver.OnSize(size));
 }
 
-bool CDownload::QueryAvailable(int row, HINTERNET request, DWORD& available) const noexcept {
-    if (!InternetQueryDataAvailable(request, &available, 0, 0)) {
+bool CDownload::QueryAvailable(int row, HINTERNET request) noexcept {
+    if (!InternetQueryDataAvailable(request, &m_available, 0, 0)) {
         DregsweepTrace(L"[InternetFileProc] InternetQueryDataAvailable fail,%d,%s,%d", row, m_url, GetLastError());
         return false;
     }
-    DregsweepTrace(L"[InternetFileProc] InternetQueryDataAvailable success,%d,%s,%d", row, m_url, available);
+    DregsweepTrace(L"[InternetFileProc] InternetQueryDataAvailable success,%d,%s,%d", row, m_url, m_available);
     return true;
 }
 
-void CDownload::Transfer(int row, HINTERNET request, Buffers& buffers) {
+void CDownload::Transfer(int row, HINTERNET request) {
     do {
-        if (!Passes(m_receiver.BeforeRead()) || !ReadChunk(row, request, buffers)) return;
-        if (buffers.read != 0 && !Passes(m_receiver.Write({buffers.chunk.data(), buffers.read}))) return;
-    } while (buffers.read == buffers.chunk.size());
+        if (!Passes(m_receiver.BeforeRead()) || !ReadChunk(row, request)) return;
+        if (m_read != 0 && !Passes(m_receiver.Write({m_chunk.data(), m_read}))) return;
+    } while (m_read == m_chunk.size());
     // Any short read is the end of the resource, on purpose, even where more was announced.
     DregsweepTrace(m_operation.successTrace, row, m_url);
     m_result = m_receiver.Complete();
 }
 
-bool CDownload::ReadChunk(int row, HINTERNET request, Buffers& buffers) {
-    if (InternetReadFile(request, buffers.chunk.data(), static_cast<DWORD>(buffers.chunk.size()), &buffers.read))
-        return true;
+bool CDownload::ReadChunk(int row, HINTERNET request) {
+    if (InternetReadFile(request, m_chunk.data(), static_cast<DWORD>(m_chunk.size()), &m_read)) return true;
     DregsweepTrace(L"[InternetFileProc] InternetReadFile fail,%d,%s,%d", row, m_url, GetLastError());
     return false;
 }

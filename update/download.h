@@ -32,20 +32,13 @@ public:
     uint32_t Run() noexcept;
 
 private:
-    // WinINet writes here while an asynchronous request is open, so it must outlive the request.
-    struct Buffers {
-        DWORD available = 0;
-        DWORD read = 0;
-        std::vector<uint8_t> chunk;
-    };
-
     bool IsOver() const noexcept;
     void TryRow(int row);
     CInetHandle OpenRequest(int row) const noexcept;
     bool LearnSize(HINTERNET request);
-    bool QueryAvailable(int row, HINTERNET request, DWORD& available) const noexcept;
-    void Transfer(int row, HINTERNET request, Buffers& buffers);
-    bool ReadChunk(int row, HINTERNET request, Buffers& buffers);
+    bool QueryAvailable(int row, HINTERNET request) noexcept;
+    void Transfer(int row, HINTERNET request);
+    bool ReadChunk(int row, HINTERNET request);
     // True when the row may go on; otherwise the code becomes the result.
     bool Passes(uint32_t code) noexcept;
 
@@ -54,4 +47,8 @@ private:
     const DownloadOperation& m_operation;
     IDownloadReceiver& m_receiver;
     uint32_t m_result;
+    // What WinINet writes into. An asynchronous request may do so until it is closed, so these outlive every request.
+    DWORD m_available = 0;
+    DWORD m_read = 0;
+    std::vector<uint8_t> m_chunk;
 };

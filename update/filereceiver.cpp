@@ -3,10 +3,10 @@
 #include "sysservices/trace.h"
 
 bool CFileReceiver::Open(int row, const wchar_t* url) {
-    m_file = AdoptFile(
+    m_file = CHandle(
         CreateFileW(m_path, GENERIC_WRITE, /*share=*/0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!m_file) DregsweepTrace(L"[InternetFileProc] CreateFile fail,%d,%s,%d", row, url, GetLastError());
-    return m_file != nullptr;
+    return static_cast<bool>(m_file);
 }
 
 uint32_t CFileReceiver::Write(std::span<const uint8_t> bytes) {
@@ -23,6 +23,6 @@ uint32_t CFileReceiver::Complete() {
 
 // Runs only in a row that created the file: a row that failed before leaves an older file alone, on purpose.
 void CFileReceiver::Close() noexcept {
-    m_file.reset();
+    m_file = CHandle();
     if (!m_complete) DeleteFileW(m_path);
 }

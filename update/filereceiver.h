@@ -1,6 +1,6 @@
 #pragma once
 
-#include "update/filehandle.h"
+#include "sysservices/handle.h"
 #include "update/idownloadreceiver.h"
 
 // Writes a download into a file. A row that fails after it created the file deletes it again.
@@ -16,6 +16,6 @@ public:
 
 private:
     const wchar_t* m_path;
-    CFileHandle m_file;
+    CHandle m_file;
     bool m_complete = false;
 };

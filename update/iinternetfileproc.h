@@ -11,7 +11,7 @@ namespace InternetFileResult {
 
 inline constexpr uint32_t kSuccess = 0;
 
-inline constexpr uint32_t kInitNoHandle = 0x00320001;        // no way of access could be opened
+inline constexpr uint32_t kInitNoHandle = 0x00320001;        // no way of access opened, or memory ran out
 inline constexpr uint32_t kUninitNotReady = 0x00630006;      // not initialised
 inline constexpr uint32_t kCurVersionNotReady = 0x006E0006;  // not initialised, or an argument is missing
 inline constexpr uint32_t kSetVersionAlways = 0x00780006;    // every call, also a successful one
@@ -48,7 +48,9 @@ using StreamText = wchar_t[kStreamTextCapacity];
 // same object in the state in which it was left. Release does not imply Uninit. Call Uninit before unloading the
 // library.
 //
-//     IInternetFileProc* update = GetInetFileProcImp();
+//     HMODULE module = LoadLibraryW(L"Dregsweep.dll");
+//     auto getUpdate = reinterpret_cast<DregsweepUpdateFactory>(GetProcAddress(module, "GetInetFileProcImp"));
+//     IInternetFileProc* update = getUpdate();
 //     if (update && update->Init() == InternetFileResult::kSuccess) {
 //         update->GetFileListFromURL(L"http://update.example/rules/list.txt", L"C:\\Host\\Rules");
 //         update->Uninit();
@@ -71,7 +73,8 @@ using StreamText = wchar_t[kStreamTextCapacity];
 class IInternetFileProc : public virtual IEUObject {
 public:
     // Opens the ways of access and loads the version from the INI file. Call it first; when already initialised it does
-    // nothing and returns 0. kInitNoHandle leaves the object uninitialised, the version loaded all the same.
+    // nothing and returns 0. kInitNoHandle leaves the object uninitialised, the version loaded all the same (unless
+    // memory runs out for the path).
     //
     // The INI file is named dswconfig.ini, section "Config", key "version". Its folder derives from the path of the
     // host's executable, but is not the executable's folder: it is the first characters of that path, as many as the
@@ -95,8 +98,8 @@ public:
     virtual uint32_t GetWanConfigVersion(const wchar_t* url, uint32_t* version) noexcept = 0;
 
     // Downloads `url` into the file `localPath`, replacing it. kFileNotReady, kFileFailed, kFileSizeUnknown.
-    // A failure before the first byte leaves an existing file alone; a later one leaves no file. The disk is not asked
-    // whether it took every byte: a full disk gives a shorter file and success.
+    // A failure before the local file is created leaves an existing file alone; a later one leaves no file. The disk is
+    // not asked whether it took every byte: a full disk gives a shorter file and success.
     virtual uint32_t GetFileFromURL(const wchar_t* url, const wchar_t* localPath) noexcept = 0;
 
     // Downloads `url` and hands its bytes to `sink`. kBufNotReady, kBufFailed, kBufSizeUnknown, and kSinkCancelled or
@@ -114,7 +117,8 @@ public:
     // 1. The list is downloaded; a failure returns the code of GetFileFromURL.
     // 2. Each file is downloaded to NAME_bak; the first failure returns its code. The old files are untouched, and the
     //    copies downloaded so far stay in the folder. A name that is empty, begins with "\" or "/", contains ":" or
-    //    has a ".." component fails with kFileFailed without being asked for.
+    //    has a ".." component fails with kFileFailed without being asked for. Memory running out gives kFileFailed too,
+    //    and does so before any old file is touched.
     // 3. Each old file is deleted and its copy takes the name. A copy that cannot be renamed (the old file is in use)
     //    ends the operation with kListRenameFailed: the files before it are new, its own old file may be gone, the ones
     //    after it are old, and their copies stay. A name that is listed twice loses its file this way.

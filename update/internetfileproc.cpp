@@ -1,8 +1,8 @@
 #include "update/internetfileproc.h"
 
-#include <algorithm>
 #include <atomic>
 #include <new>
+#include <vector>
 
 #include "sysservices/trace.h"
 #include "update/configversion.h"
@@ -34,30 +34,58 @@ uint32_t Fail(const wchar_t* format, const wchar_t* url, uint32_t result) noexce
     return result;
 }
 
-CString CopyPath(const CString& folder, const CString& name) {
-    return JoinPath(folder, name) + L"_bak";
+// A file that a list names. The paths are made before the first download, so that replacing needs no memory: once an
+// old file is deleted, its copy is moved.
+struct RuleFile {
+    CString name;
+    CString path;
+    CString copyPath;
+};
+
+std::vector<RuleFile> ReadRuleFiles(const CString& listPath, const CString& folder) {
+    std::vector<RuleFile> files;
+    for (const CString& name : ReadRuleFileList(listPath)) {
+        const CString path = JoinPath(folder, name);
+        files.push_back({name, path, path + L"_bak"});
+    }
+    return files;
 }
 
-// The old file is gone when its copy cannot take the name; nothing is restored, on purpose.
-uint32_t ReplaceFile(const CString& folder, const CString& name) {
-    const CString target = JoinPath(folder, name);
-    DeleteFileW(target.c_str());
-    if (MoveFileW(CopyPath(folder, name).c_str(), target.c_str())) return kSuccess;
-    DregsweepTrace(L"[InternetFileProc] Rename file in GetFileListFromURL fail,%s,%d", name.c_str(), GetLastError());
+uint32_t DownloadCopy(IInternetFileProc& update, const CString& baseUrl, const RuleFile& file) {
+    const CString url = baseUrl + file.name;
+    // The server chose the name: one that leaves the folder is neither asked for nor written.
+    if (!IsSafeRuleFileName(file.name)) return Fail(kFileOperation.failTrace, url.c_str(), kFileFailed);
+    return update.GetFileFromURL(url.c_str(), file.copyPath.c_str());
+}
+
+uint32_t DownloadCopies(IInternetFileProc& update, const CString& baseUrl, const std::vector<RuleFile>& files) {
+    for (const RuleFile& file : files) {
+        if (const uint32_t result = DownloadCopy(update, baseUrl, file)) return result;
+    }
+    return kSuccess;
+}
+
+// The old file is gone when its copy cannot take the name; nothing is restored, on purpose. A name that is listed twice
+// loses its file this way, on purpose: the second time there is no copy left to move.
+uint32_t ReplaceFile(const RuleFile& file) noexcept {
+    DeleteFileW(file.path.c_str());
+    if (MoveFileW(file.copyPath.c_str(), file.path.c_str())) return kSuccess;
+    DregsweepTrace(L"[InternetFileProc] Rename file in GetFileListFromURL fail,%s,%d", file.name.c_str(),
+                   GetLastError());
     return kListRenameFailed;
 }
 
-uint32_t ReplaceFiles(const CString& folder, const std::vector<CString>& names) {
-    for (const CString& name : names) {
-        if (const uint32_t result = ReplaceFile(folder, name)) return result;
+uint32_t ReplaceFiles(const std::vector<RuleFile>& files) noexcept {
+    for (const RuleFile& file : files) {
+        if (const uint32_t result = ReplaceFile(file)) return result;
     }
     return kSuccess;
 }
 
 // Never deletes a copy, on purpose: it is entered after a failure only, and goes on only while there is none.
-void RemoveCopies(const CString& folder, const std::vector<CString>& names, uint32_t result) {
-    for (auto name = names.begin(); name != names.end() && result == kSuccess; ++name)
-        DeleteFileW(CopyPath(folder, *name).c_str());
+void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept {
+    for (auto file = files.begin(); file != files.end() && result == kSuccess; ++file)
+        DeleteFileW(file->copyPath.c_str());
 }
 
 }  // namespace
@@ -181,25 +209,11 @@ uint32_t CInternetFileProc::ReplaceFileList(const CString& listUrl, const CStrin
     const CString listPath = JoinPath(folder, listUrl.substr(slash + 1));
     if (const uint32_t result = GetFileFromURL(listUrl.c_str(), listPath.c_str())) return result;
 
-    const Names names = ReadRuleFileList(listPath);
-    uint32_t result = DownloadCopies(baseUrl, folder, names);
-    if (result == kSuccess) result = ReplaceFiles(folder, names);
-    if (result != kSuccess) RemoveCopies(folder, names, result);
+    const std::vector<RuleFile> files = ReadRuleFiles(listPath, folder);
+    uint32_t result = DownloadCopies(*this, baseUrl, files);
+    if (result == kSuccess) result = ReplaceFiles(files);
+    if (result != kSuccess) RemoveCopies(files, result);
     return result;
-}
-
-uint32_t CInternetFileProc::DownloadCopies(const CString& baseUrl, const CString& folder, const Names& names) {
-    for (const CString& name : names) {
-        if (const uint32_t result = DownloadCopy(baseUrl, folder, name)) return result;
-    }
-    return kSuccess;
-}
-
-uint32_t CInternetFileProc::DownloadCopy(const CString& baseUrl, const CString& folder, const CString& name) {
-    const CString url = baseUrl + name;
-    // The server chose the name: one that leaves the folder is neither asked for nor written.
-    if (!IsSafeRuleFileName(name)) return Fail(kFileOperation.failTrace, url.c_str(), kFileFailed);
-    return GetFileFromURL(url.c_str(), CopyPath(folder, name).c_str());
 }
 
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <vector>
 
 #include "sysservices/text.h"
 #include "update/iinternetfileproc.h"
@@ -23,14 +22,10 @@ public:
     uint32_t GetFileListFromURL(const wchar_t* listUrl, const wchar_t* destFolder) noexcept override;
 
 private:
-    using Names = std::vector<CString>;
-
     uint32_t OpenRoots() noexcept;
     void CloseRoots() noexcept;
     bool LoadVersion() noexcept;
     uint32_t ReplaceFileList(const CString& listUrl, const CString& folder);
-    uint32_t DownloadCopies(const CString& baseUrl, const CString& folder, const Names& names);
-    uint32_t DownloadCopy(const CString& baseUrl, const CString& folder, const CString& name);
 
     bool m_initialised = false;
     // Ten, of which the table of ways of access lets four be looked at and fills three, on purpose.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "update/filehandle.h"
+#include "sysservices/handle.h"
 
 namespace {
 
@@ -11,8 +11,8 @@ constexpr LONGLONG kListSizeLimit = 20480;
 
 // The whole file, or nothing: whatever goes wrong gives an empty list, which the callers count as success, on purpose.
 std::string ReadListBytes(const CString& path) {
-    const CFileHandle file = AdoptFile(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+    const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return {};
     LARGE_INTEGER size = {};
     if (!GetFileSizeEx(file.get(), &size) || size.QuadPart < 1 || size.QuadPart >= kListSizeLimit) return {};
@@ -22,7 +22,7 @@ std::string ReadListBytes(const CString& path) {
     return whole ? bytes : std::string();
 }
 
-// Windows drops dots and blanks at the end of a component, so "... " climbs as ".." does.
+// Components like ".. " and "..." are refused with it, as a precaution.
 bool IsParentComponent(std::wstring_view component) {
     return component.starts_with(L"..") && component.find_first_not_of(L". ") == std::wstring_view::npos;
 }
