@@ -3,6 +3,7 @@
 #include <winsock2.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -80,9 +81,9 @@ std::wstring LoopbackHttp::Url(const std::wstring& path) const {
     return L"http://127.0.0.1:" + std::to_wstring(m_port) + path;
 }
 
-std::vector<std::string> LoopbackHttp::Requests() {
+std::string LoopbackHttp::TakeRequests() {
     const std::lock_guard guard(m_lock);
-    return m_requests;
+    return std::exchange(m_requests, {});
 }
 
 void LoopbackHttp::Run() {
@@ -96,19 +97,15 @@ void LoopbackHttp::Run() {
 }
 
 void LoopbackHttp::Answer(uintptr_t client) {
-    const std::optional<Page> found = Find(ReadRequestPath(client));
-    const Page page = found.value_or(Page{"not found"});
+    const std::lock_guard guard(m_lock);
+    const std::string path = ReadRequestPath(client);
+    m_requests += ' ' + path;
+    const auto found = m_pages.find(path);
+    const Page page = found == m_pages.end() ? Page{"not found"} : found->second;
     if (page.hangsUp) return;
-    std::string head = found ? "HTTP/1.1 200 OK\r\n" : "HTTP/1.1 404 Not Found\r\n";
+    std::string head = found == m_pages.end() ? "HTTP/1.1 404 Not Found\r\n" : "HTTP/1.1 200 OK\r\n";
     const size_t length = page.announced.value_or(page.body.size());
     if (page.hasLength) head += "Content-Length: " + std::to_string(length) + "\r\n";
     Send(client, head + "Connection: close\r\n\r\n" + page.body, page.piece);
     shutdown(client, SD_SEND);
-}
-
-std::optional<LoopbackHttp::Page> LoopbackHttp::Find(const std::string& path) {
-    const std::lock_guard guard(m_lock);
-    m_requests.push_back(path);
-    const auto page = m_pages.find(path);
-    return page == m_pages.end() ? std::nullopt : std::optional(page->second);
 }

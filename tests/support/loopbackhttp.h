@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 // A serial HTTP server on a port of its own of the loopback address, for tests of real downloads. It gives up on a
 // client that is silent for five seconds, and a page that nobody set is a "404 Not Found" with a body.
@@ -28,18 +27,18 @@ public:
     // `path` begins with "/".
     void Serve(const std::string& path, Page page);
     std::wstring Url(const std::wstring& path) const;
-    // The paths asked for so far.
-    std::vector<std::string> Requests();
+    // The paths asked for since the last call, each with a blank before it. Waits until the server is idle and keeps
+    // nothing, so that counts of allocations are exact.
+    std::string TakeRequests();
 
 private:
     void Run();
     void Answer(uintptr_t client);
-    std::optional<Page> Find(const std::string& path);
 
     uintptr_t m_listener;  // a SOCKET; its header does not go after that of Windows
     unsigned short m_port = 0;
-    std::mutex m_lock;  // guards the pages and the requests
+    std::mutex m_lock;  // guards the pages and the requests, and is held while the server answers
     std::map<std::string, Page> m_pages;
-    std::vector<std::string> m_requests;
+    std::string m_requests;
     std::thread m_thread;
 };

@@ -1,33 +1,19 @@
 #include "update/configversion.h"
 
-#include "tests/support/allocguard.h"
-#include "tests/support/tracerecorder.h"
 #include "tests/update/updatefixture.h"
 
 using namespace InternetFileResult;
-using testing::ElementsAre;
+using testing::EndsWith;
 
 namespace {
 
 class ConfigVersionTest : public UpdateTest {
 protected:
-    uint32_t Current() {
-        uint32_t version = 77;
-        EXPECT_EQ(m_update->GetCurConfigVersion(&version), kSuccess);
-        return version;
-    }
-};
-
-// The shared object lives on, and what it holds with it: it is warmed up before the first test counts allocations.
-class SharedUpdateTest : public UpdateTest {
-protected:
-    static void SetUpTestSuite() {
-        IInternetFileProc* update = SharedInternetFileProc();
-        g_faults.executable = L"C:\\windows\\temp\\no such folder\\a rather long name of an executable file.exe";
-        EXPECT_EQ(update->Init(), kSuccess);
-        EXPECT_EQ(update->Uninit(), kSuccess);
-        EXPECT_EQ(update->Release(), 0u);
-        TakeTraceLines();
+    // What the INI file holds, which is then deleted.
+    std::string TakeIni() const {
+        std::string content = m_folder.Has(L"dswconfig.ini") ? ReadFileBytes(m_folder / L"dswconfig.ini") : "none";
+        DeleteFileW((m_folder / L"dswconfig.ini").c_str());
+        return content;
     }
 };
 
@@ -35,46 +21,46 @@ protected:
 
 TEST_F(ConfigVersionTest, TheIniFileLiesAtAnOddPrefix) {
     const std::wstring full(260, L'p');
-    const std::pair<std::wstring_view, std::wstring> rows[] = {
-        {L"C:\\Apps\\Host\\host.exe", L"C:\\Apps\\H\\dswconfig.ini"},
-        {L"C:\\h.exe", L"C:\\h.e\\dswconfig.ini"},
-        {L"no backslash", L"no backslash\\dswconfig.ini"},
-        {L"", L"\\dswconfig.ini"},
-        {full, full + L"\\dswconfig.ini"},
-    };
+    const std::pair<std::wstring, std::wstring> rows[] = {{L"C:\\Apps\\Host\\host.exe", L"C:\\Apps\\H\\dswconfig.ini"},
+                                                          {L"C:\\h.exe", L"C:\\h.e\\dswconfig.ini"},
+                                                          {L"no backslash", L"no backslash\\dswconfig.ini"},
+                                                          {L"", L"\\dswconfig.ini"},
+                                                          {full, full + L"\\dswconfig.ini"}};
     for (const auto& [executable, expected] : rows) {
-        g_faults.executable = executable;
+        g_executable = executable;
         EXPECT_EQ(ConfigIniPath(), expected);
     }
 }
 
 TEST_F(ConfigVersionTest, StoredAndLoaded) {
-    const struct {
-        uint32_t version;
-        const char* text;
-    } rows[] = {{1, "0001"},         {3, "0003"}, {12345, "12345"}, {0, "0000"}, {0x80000001, "-2147483647"},
-                {0xFFFFFFFF, "-001"}};
-    for (const auto& row : rows) {
-        ASSERT_EQ(m_update->Init(), kSuccess);
-        // Without a file the version is 1, and only Uninit writes it.
-        EXPECT_TRUE(m_folder.Has(L"dswconfig.ini") || Current() == 1);
-        EXPECT_TRUE(row.version == 1 || m_update->SetConfigVersion(row.version) == kSetVersionAlways);
-        EXPECT_EQ(m_folder.Has(L"dswconfig.ini"), row.version != 1);
-        EXPECT_EQ(m_update->Uninit(), kSuccess);
-        EXPECT_EQ(ReadFileBytes(IniFile()), std::string("[Config]\r\nversion=") + row.text + "\r\n");
-        StoreConfigVersion(m_folder / L"elsewhere\\none.ini", 9);
-        ASSERT_EQ(m_update->Init(), kSuccess);
-        EXPECT_EQ(Current(), row.version);
-        EXPECT_EQ(m_update->Uninit(), kSuccess);
-    }
-    const std::pair<const char*, uint32_t> files[] = {
-        {"[Config]\r\nversion=abc\r\n", 0}, {"[Config]\r\nversion=12abc\r\n", 12}, {"[Other]\r\nversion=5\r\n", 9}};
+    const std::pair<const char*, uint32_t> files[] = {{"[Other]\r\nversion=5\r\n", 1},
+                                                      {"[Config]\r\nversion=abc\r\n", 0},
+                                                      {"[Config]\r\nversion=12abc\r\n", 12},
+                                                      {"[Config]\r\nversion=0008\r\n", 8},
+                                                      {"[Config]\r\nother=5\r\n", 8}};
     for (const auto& [content, expected] : files) {
-        StoreConfigVersion(m_folder / L"elsewhere\\none.ini", 9);
         m_folder.Write(L"dswconfig.ini", content);
         ASSERT_EQ(m_update->Init(), kSuccess);
-        EXPECT_EQ(Current(), expected) << content;
+        EXPECT_EQ(CurrentConfigVersion(), expected) << content;
         EXPECT_EQ(m_update->Uninit(), kSuccess);
+    }
+    const std::pair<uint32_t, const char*> versions[] = {
+        {3, "0003"}, {12345, "12345"}, {0, "0000"}, {0x80000001, "-2147483647"}, {0xFFFFFFFF, "-001"}};
+    for (const auto& [version, text] : versions) {
+        ASSERT_EQ(m_update->Init(), kSuccess);
+        TakeTraceLines();
+        TakeIni();
+        const std::string content = std::string("[Config]\r\nversion=") + text + "\r\n";
+        EXPECT_EQ(m_update->SetConfigVersion(version), kSetVersionAlways);
+        const auto line = "SetConfigVersion fail 0x780006,last err : " + std::to_string(GetLastError()) + "|";
+        EXPECT_EQ(TakeIni(), content);
+        uint32_t current = 77;
+        EXPECT_EQ(m_update->GetCurConfigVersion(&current), kSuccess);
+        EXPECT_EQ(current, version);
+        EXPECT_EQ(m_update->Uninit(), kSuccess);
+        EXPECT_EQ(TakeIni(), content);
+        const auto number = std::to_string(static_cast<int>(version));
+        EXPECT_EQ(Traced(), line + "GetCurConfigVersion version : " + number + ",ret 0x0|" + line);
     }
 }
 
@@ -82,109 +68,55 @@ TEST_F(ConfigVersionTest, PublishedVersions) {
     const std::pair<const char*, uint32_t> rows[] = {{"12\r\n", 12}, {" +7x9", 7}, {"-3", 0xFFFFFFFD},
                                                      {"none", 0},    {"", 0},      {"99999999999", 0x7FFFFFFF}};
     ASSERT_EQ(m_update->Init(), kSuccess);
+    uint32_t version = 77;
     for (const auto& [text, expected] : rows) {
-        uint32_t version = 77;
         m_server.Serve("/version", {text});
         EXPECT_EQ(m_update->GetWanConfigVersion(m_server.Url(L"/version").c_str(), &version), kSuccess);
         EXPECT_EQ(version, expected) << text;
     }
-    uint32_t version = 77;
-    EXPECT_EQ(m_update->GetWanConfigVersion(L"http://127.0.0.1:9/", &version), kStreamFailed);
-    EXPECT_EQ(version, 77u);
-    EXPECT_EQ(TakeTraceLines().back(),
-              L"[InternetFileProc] GetWanConfigVersion fail 0x1430001,http://127.0.0.1:9/,last err : 12029");
+    TakeTraceLines();
+    EXPECT_EQ(m_update->GetWanConfigVersion(m_closed.c_str(), &version), kStreamFailed);
+    EXPECT_EQ(version, 0x7FFFFFFFu);
+    EXPECT_THAT(Traced(m_closed), EndsWith("|GetWanConfigVersion fail 0x1430001,@,last err : 12029|"));
 }
 
-TEST_F(ConfigVersionTest, InitAndItsLines) {
+TEST_F(ConfigVersionTest, WithoutInit) {
     m_folder.Write(L"dswconfig.ini", "[Config]\r\nversion=8\r\n");
-    g_faults.noRoots = g_faults.noProxy = true;
+    g_faults = {.fails = "OP"};
     EXPECT_EQ(m_update->Init(), kInitNoHandle);
-    EXPECT_EQ(CurrentConfigVersion(), 8u);
-    EXPECT_THAT(
-        TakeTraceLines(),
-        ElementsAre(L"[InternetFileProc] InternetOpen fail,0,7", L"[InternetFileProc] InternetQueryOption fail,8",
-                    L"[InternetFileProc] InternetOpen fail,1,8", L"[InternetFileProc] InternetOpen fail,2,7",
-                    L"[InternetFileProc] Init fail,0x320001"));
-    EXPECT_EQ(m_update->Uninit(), kUninitNotReady);
-    g_faults.noRoots = false;
-    g_faults.asyncRow = true;
-    EXPECT_EQ(m_update->Init(), kSuccess);
-    EXPECT_EQ(TakeTraceLines().size(), 2u) << "only the row of the proxy settings failed";
-    EXPECT_EQ(m_update->Init(), kSuccess);
-    EXPECT_EQ(TakeTraceLines().size(), 0u);
-    EXPECT_EQ(m_update->Uninit(), kSuccess);
-    EXPECT_EQ(m_update->Uninit(), kUninitNotReady);
-}
-
-TEST_F(ConfigVersionTest, MissingInitAndMissingArguments) {
-    const CReference<RecordingSink> sink(new RecordingSink);
-    StreamText text = L"kept";
+    TakeIni();
     uint32_t version = 77;
-    const auto path = m_folder / L"file";
-    const auto check = [&](const wchar_t* url, bool outputs) {
-        EXPECT_EQ(m_update->GetFileFromURL(url, outputs ? path.c_str() : nullptr), kFileNotReady);
-        EXPECT_EQ(m_update->GetFileBufFromURL(url, outputs ? sink.get() : nullptr), kBufNotReady);
-        EXPECT_EQ(m_update->GetStreamFileInfo(url, outputs ? &text : nullptr), kStreamNotReady);
-        EXPECT_EQ(m_update->GetFileListFromURL(url, outputs ? path.c_str() : nullptr), kListNotReady);
-        SetLastError(5);
-        EXPECT_EQ(m_update->GetWanConfigVersion(url, outputs ? &version : nullptr), kWanVersionNotReady);
-    };
-    check(L"u", true);
+    SetLastError(5);
+    EXPECT_EQ(m_update->Uninit(), kUninitNotReady);
     EXPECT_EQ(m_update->GetCurConfigVersion(&version), kCurVersionNotReady);
     EXPECT_EQ(m_update->SetConfigVersion(3), kSetVersionAlways);
-    EXPECT_THAT(TakeTraceLines(), ElementsAre(L"[InternetFileProc] GetFileFromURL fail,u,0x930006",
-                                              L"[InternetFileProc] GetFileBufFromURL fail,u,0xe60006",
-                                              L"[InternetFileProc] GetStreamFileInfo fail,u,0x13d0006",
-                                              L"[InternetFileProc] GetFileListFromURL fail,u,0x1920006",
-                                              L"[InternetFileProc] GetWanConfigVersion fail 0x850006,u,last err : 5",
-                                              L"[InternetFileProc] GetCurConfigVersion version : 1,ret 0x6e0006",
-                                              L"[InternetFileProc] SetConfigVersion fail 0x780006,last err : 5"));
-    EXPECT_FALSE(m_folder.Has(L"dswconfig.ini"));
-    ASSERT_EQ(m_update->Init(), kSuccess);
-    check(nullptr, true);
-    check(L"http://127.0.0.1:9/", false);
-    EXPECT_EQ(m_update->GetCurConfigVersion(nullptr), kCurVersionNotReady);
+    EXPECT_EQ(m_update->GetWanConfigVersion(L"u", &version), kWanVersionNotReady);
+    EXPECT_EQ(TakeIni(), "none");
     EXPECT_EQ(version, 77u);
-    EXPECT_STREQ(text, L"kept");
-    EXPECT_EQ(sink->m_calls, "");
+    EXPECT_EQ(Traced(),
+              "InternetOpen fail,0,12031|InternetQueryOption fail,12031|InternetOpen fail,1,12031|"
+              "InternetOpen fail,2,12031|Init fail,0x320001|GetCurConfigVersion version : 8,ret 0x6e0006|"
+              "SetConfigVersion fail 0x780006,last err : 5|GetWanConfigVersion fail 0x850006,u,last err : 5|");
+    // One row is enough, and a second call does nothing.
+    g_faults = {.fails = "O", .last = 1};
+    EXPECT_EQ(m_update->Init(), kSuccess);
+    EXPECT_EQ(m_update->Init(), kSuccess);
+    EXPECT_EQ(Traced(), "InternetOpen fail,0,12031|");
+    EXPECT_EQ(m_update->GetCurConfigVersion(nullptr), kCurVersionNotReady);
+    EXPECT_EQ(m_update->GetWanConfigVersion(nullptr, &version), kWanVersionNotReady);
+    EXPECT_EQ(m_update->GetWanConfigVersion(L"u", nullptr), kWanVersionNotReady);
 }
 
 TEST_F(ConfigVersionTest, MemoryRunsOut) {
+    alloc_guard::FailAfter(0);
+    const uint32_t init = m_update->Init();
+    alloc_guard::FailAfter(-1);
+    EXPECT_EQ(init, kInitNoHandle);
+    ASSERT_EQ(m_update->Init(), kSuccess);
     for (long long blocks = 0; blocks < 6; ++blocks) {
-        const CReference<CInternetFileProc> update(new CInternetFileProc);
-        alloc_guard::FailAfter(0);
-        const uint32_t init = update->Init();
-        alloc_guard::FailAfter(-1);
-        EXPECT_EQ(init, kInitNoHandle);
-        ASSERT_EQ(update->Init(), kSuccess);
         alloc_guard::FailAfter(blocks);
-        const uint32_t result = update->GetFileListFromURL(L"http://127.0.0.1:9/list.txt", L"C:\\no such folder");
+        const uint32_t result = m_update->GetFileListFromURL(L"http://127.0.0.1:9/list.txt", L"C:\\no such folder");
         alloc_guard::FailAfter(-1);
         EXPECT_EQ(result, kFileFailed);
     }
-}
-
-TEST_F(SharedUpdateTest, NeverDestroyedAndLeftAsItWas) {
-    IInternetFileProc* update = SharedInternetFileProc();
-    EXPECT_EQ(SharedInternetFileProc(), update);
-    EXPECT_EQ(update->AddRef(), 3u);
-    EXPECT_EQ(update->Init(), kSuccess);
-    for (const uint32_t left : {2u, 1u, 0u})
-        EXPECT_EQ(static_cast<IEUObject*>(update)->Release(), left);
-
-    EXPECT_EQ(SharedInternetFileProc(), update);
-    uint32_t version = 0;
-    EXPECT_EQ(update->GetCurConfigVersion(&version), kSuccess) << "still initialised";
-    EXPECT_EQ(update->Uninit(), kSuccess);
-    EXPECT_EQ(update->Release(), 0u);
-}
-
-TEST_F(SharedUpdateTest, InitIsTheFirstSlot) {
-    IInternetFileProc* update = SharedInternetFileProc();
-    using Slot = uint32_t (*)(IInternetFileProc*);
-    const Slot* slots = *reinterpret_cast<Slot**>(update);
-    EXPECT_EQ(slots[1](update), kUninitNotReady);
-    EXPECT_EQ(slots[0](update), kSuccess);
-    EXPECT_EQ(slots[1](update), kSuccess);
-    update->Release();
 }

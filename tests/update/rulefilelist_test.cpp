@@ -1,13 +1,11 @@
 #include "update/rulefilelist.h"
 
-#include <algorithm>
-
-#include "tests/support/tracerecorder.h"
+#include "sysservices/filesearch.h"
+#include "sysservices/handle.h"
 #include "tests/update/updatefixture.h"
-#include "update/filehandle.h"
 
 using namespace InternetFileResult;
-using testing::ElementsAre;
+using testing::EndsWith;
 
 namespace {
 
@@ -15,105 +13,95 @@ class RuleFileListTest : public UpdateTest {
 protected:
     RuleFileListTest() {
         EXPECT_EQ(m_update->Init(), kSuccess);
-        for (const char* name : {"a.xml", "b.xml", "c.xml", "sub/d.xml"})
-            m_server.Serve(std::string("/rules/") + name, {std::string("new ") + name});
-        m_server.Serve("/rules/gone.xml", {.body = "", .hasLength = false});
+        for (const char* name : {"a", "b", "c"})
+            m_server.Serve(std::string("/") + name, {std::string("new ") + name});
+        m_server.Serve("/gone", {.body = "", .hasLength = false});
     }
-    // Replaces the files, with this list, in a folder where a.xml and b.xml are old.
-    uint32_t Replace(const std::string& list) {
-        for (const wchar_t* name : {L"c.xml", L"a.xml_bak", L"b.xml_bak", L"c.xml_bak"})
-            DeleteFileW((m_folder / name).c_str());
-        m_folder.Write(L"a.xml", "old a");
-        m_folder.Write(L"b.xml", "old b");
-        m_server.Serve("/rules/list.txt", {list});
-        TakeTraceLines();
-        return m_update->GetFileListFromURL(m_server.Url(L"/rules/list.txt").c_str(), m_folder.path().c_str());
+    // Replaces the files, with this list, in a folder where a and b are old and b may be held open.
+    uint32_t Replace(const std::string& list, bool inUse = false) {
+        for (const wchar_t* name : {L"a_bak", L"b_bak", L"c", L"c_bak"})
+            DeleteFileW((m_rules + L"\\" + name).c_str());
+        m_folder.Write(L"rules\\a", "old a");
+        const std::wstring b = m_folder.Write(L"rules\\b", "old b");
+        const CHandle held(inUse ? CreateFileW(b.c_str(), GENERIC_READ, 3, nullptr, OPEN_EXISTING, 0, nullptr)
+                                 : nullptr);
+        m_server.Serve("/list", {list});
+        m_server.TakeRequests();
+        const uint32_t result = m_update->GetFileListFromURL(m_server.Url(L"/list").c_str(), m_rules.c_str());
+        alloc_guard::FailAfter(-1);
+        return result;
     }
-    // The rule files in the folder as "name=content; ".
-    std::string Files() const {
+    // Everything in the folder but the list, as "name=content; ".
+    static std::string Files(const std::wstring& folder) {
         std::string files;
-        for (const wchar_t* name : {L"a.xml", L"a.xml_bak", L"b.xml", L"b.xml_bak", L"c.xml", L"c.xml_bak"}) {
-            if (m_folder.Has(name)) files += WideToUtf8(name) + "=" + ReadFileBytes(m_folder / name) + "; ";
+        for (CFileSearch search((folder + L"\\*").c_str()); search; search.Next()) {
+            const CString name = search.Entry().cFileName;
+            if (name == L"." || name == L".." || name == L"list") continue;
+            const bool isFolder = search.Entry().dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY;
+            files += WideToUtf8(name) + "=" + (isFolder ? "folder" : ReadFileBytes(folder + L"\\" + name)) + "; ";
         }
         return files;
     }
+
+    const std::wstring m_rules = m_folder.MakeFolder(L"rules");
 };
 
 }  // namespace
 
 TEST_F(RuleFileListTest, ReadsNames) {
     using Names = std::vector<CString>;
-    const std::pair<std::string, Names> rows[] = {
-        {"\xEF\xBB\xBF"
-         "a\r\n\r\nb\n\n\rc",
-         {L"a", L"b", L"c"}},
-        {"\xEF\xBF\xBE"
-         "a",
-         {L"a"}},
-        {" a \n\t\nb", {L" a ", L"\t", L"b"}},
-        {"\xE4\xBD\xA0.xml", {L"\x4F60.xml"}},
-        {std::string("a\0b", 3), {L"a"}},
-        {"", {}},
-        {"\xEF\xBB\xBF", {}},
-        {"a" + std::string(20478, '\n'), {L"a"}},
-        {"a" + std::string(20479, '\n'), {}},
-    };
+    const std::pair<std::string, Names> rows[] = {{"\xEF\xBB\xBF\x61\r\n\r\nb\n\n\rc", {L"a", L"b", L"c"}},
+                                                  {"\xEF\xBF\xBE\x61", {L"a"}},
+                                                  {" a \n\t\nb", {L" a ", L"\t", L"b"}},
+                                                  {"\xE4\xBD\xA0.xml", {L"\x4F60.xml"}},
+                                                  {std::string("a\0b", 3), {L"a"}},
+                                                  {"", {}},
+                                                  {"\xEF\xBB\xBF", {}},
+                                                  {"a" + std::string(20478, '\n'), {L"a"}},
+                                                  {"a" + std::string(20479, '\n'), {}}};
     for (const auto& [bytes, names] : rows)
-        EXPECT_EQ(ReadRuleFileList(m_folder.Write(L"list.txt", bytes)), names) << bytes.substr(0, 20);
+        EXPECT_EQ(ReadRuleFileList(m_folder.Write(L"list", bytes)), names) << bytes.substr(0, 20);
     EXPECT_EQ(ReadRuleFileList(m_folder / L"missing"), Names());
-}
-
-TEST_F(RuleFileListTest, NamesStayInTheFolder) {
-    for (const wchar_t* name :
-         {L"", L"\\a", L"/a", L"C:a", L"a:stream", L"..", L"../a", L"a\\..\\b", L"a/..", L"... ", L".. /a"})
-        EXPECT_FALSE(IsSafeRuleFileName(name)) << WideToUtf8(name);
-    for (const wchar_t* name : {L"a", L"a..b", L"..a", L"a..", L".a", L"sub\\a", L"sub/a", L"./a", L"a b"})
-        EXPECT_TRUE(IsSafeRuleFileName(name)) << WideToUtf8(name);
 }
 
 TEST_F(RuleFileListTest, ReplacesTheSetOrStops) {
     const struct {
-        std::string list;
+        const char* list;
         uint32_t result;
         const char* files;
+        const char* requests;
+        const char* lines;  // the last ones
+        bool inUse = false;
     } rows[] = {
-        {"\xEF\xBB\xBF"
-         "a.xml\r\n\r\nb.xml\nc.xml\n",
-         kSuccess, "a.xml=new a.xml; b.xml=new b.xml; c.xml=new c.xml; "},
-        {"a.xml\ngone.xml\nb.xml", kFileSizeUnknown, "a.xml=old a; a.xml_bak=new a.xml; b.xml=old b; "},
-        {"a.xml\n..\\b.xml\nb.xml", kFileFailed, "a.xml=old a; a.xml_bak=new a.xml; b.xml=old b; "},
-        {"a.xml\na.xml\nb.xml", kListRenameFailed, "b.xml=old b; b.xml_bak=new b.xml; "},
-        {"a.xml" + std::string(20475, '\n'), kSuccess, "a.xml=old a; b.xml=old b; "},
-        {"a.xml" + std::string(20474, '\n'), kSuccess, "a.xml=new a.xml; b.xml=old b; "},
-        {"", kSuccess, "a.xml=old a; b.xml=old b; "},
+        {"a\r\nb\nc\n", kSuccess, "a=new a; b=new b; c=new c; ", " /list /a /b /c", ""},
+        {"a\ngone\nb", kFileSizeUnknown, "a=old a; a_bak=new a; b=old b; ", " /list /a /gone /gone",
+         "|GetFileListFromURL fail,@,0xa70002|"},
+        {"a\na\nb", kListRenameFailed, "b=old b; b_bak=new b; ", " /list /a /a /b",
+         "|Rename file in GetFileListFromURL fail,a,2|GetFileListFromURL fail,@,0x1b30001|"},
+        {"a\nb\nc", kListRenameFailed, "a=new a; b=old b; b_bak=new b; c_bak=new c; ", " /list /a /b /c",
+         "|Rename file in GetFileListFromURL fail,b,183|GetFileListFromURL fail,@,0x1b30001|", true},
+        {"\n", kSuccess, "a=old a; b=old b; ", " /list", ""},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(Replace(row.list), row.result) << row.list.substr(0, 30);
-        EXPECT_EQ(Files(), row.files) << row.list.substr(0, 30);
+        EXPECT_EQ(Replace(row.list, row.inUse), row.result);
+        EXPECT_EQ(Files(m_rules), row.files);
+        EXPECT_EQ(m_server.TakeRequests(), row.requests);
+        EXPECT_THAT(Traced(m_server.Url(L"/list")), EndsWith(row.lines));
     }
-    const std::pair<std::wstring, uint32_t> lists[] = {{L"list.txt", kListNotReady},
-                                                       {L"http://127.0.0.1:9/list.txt", kFileFailed},
-                                                       {m_server.Url(L"/rules/gone.xml"), kFileSizeUnknown}};
-    for (const auto& [url, result] : lists)
-        EXPECT_EQ(m_update->GetFileListFromURL(url.c_str(), m_folder.path().c_str()), result);
-    const auto requests = m_server.Requests();
-    EXPECT_TRUE(std::ranges::none_of(requests, [](const auto& path) { return path.find("..") != path.npos; }));
-    m_folder.MakeFolder(L"sub");
-    EXPECT_EQ(Replace("sub/d.xml"), kSuccess);
-    EXPECT_EQ(ReadFileBytes(m_folder / L"sub\\d.xml"), "new sub/d.xml");
+    // Once the list and both copies have come, replacing needs no memory.
+    g_faults = {.closesUntilMemoryEnds = 3};
+    EXPECT_EQ(Replace("a\nb"), kSuccess);
+    EXPECT_EQ(Files(m_rules), "a=new a; b=new b; ");
 }
 
-TEST_F(RuleFileListTest, ATargetInUseEndsTheReplacement) {
-    const CFileHandle held =
-        AdoptFile(CreateFileW(m_folder.Write(L"b.xml", "old b").c_str(), GENERIC_READ,
-                              FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(held);
-    EXPECT_EQ(Replace("a.xml\nb.xml\nc.xml"), kListRenameFailed);
-    EXPECT_EQ(Files(), "a.xml=new a.xml; b.xml=old b; b.xml_bak=new b.xml; c.xml_bak=new c.xml; ");
-    const auto lines = TakeTraceLines();
-    ASSERT_GE(lines.size(), 2u);
-    EXPECT_THAT(
-        std::vector(lines.end() - 2, lines.end()),
-        ElementsAre(L"[InternetFileProc] Rename file in GetFileListFromURL fail,b.xml,183",
-                    L"[InternetFileProc] GetFileListFromURL fail," + m_server.Url(L"/rules/list.txt") + L",0x1b30001"));
+TEST_F(RuleFileListTest, HostileNamesStopTheDownloads) {
+    for (const char* name : {"\\x", "/x", "C:x", "x:y", "..", "../x", "..\\x", "x\\..\\y", "x/..", "... ", ".. /x"}) {
+        EXPECT_EQ(Replace(std::string("a\n") + name + "\nb"), kFileFailed) << name;
+        EXPECT_EQ(Files(m_rules), "a=old a; a_bak=new a; b=old b; ") << name;
+        EXPECT_EQ(Files(m_folder.path()), "rules=folder; ") << name;
+        EXPECT_EQ(m_server.TakeRequests(), " /list /a") << name;
+    }
+    EXPECT_FALSE(IsSafeRuleFileName(L""));
+    for (const wchar_t* name : {L"a..b", L"..a", L"a..", L".a", L"sub\\a", L"sub/a", L"./a", L"a b"})
+        EXPECT_TRUE(IsSafeRuleFileName(name)) << WideToUtf8(name);
 }
