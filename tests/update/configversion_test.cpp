@@ -22,9 +22,7 @@ protected:
 TEST_F(ConfigVersionTest, TheIniFileLiesAtAnOddPrefix) {
     const std::wstring full(260, L'p');
     const std::pair<std::wstring, std::wstring> rows[] = {{L"C:\\Apps\\Host\\host.exe", L"C:\\Apps\\H\\dswconfig.ini"},
-                                                          {L"C:\\h.exe", L"C:\\h.e\\dswconfig.ini"},
                                                           {L"no backslash", L"no backslash\\dswconfig.ini"},
-                                                          {L"", L"\\dswconfig.ini"},
                                                           {full, full + L"\\dswconfig.ini"}};
     for (const auto& [executable, expected] : rows) {
         g_executable = executable;
@@ -33,15 +31,16 @@ TEST_F(ConfigVersionTest, TheIniFileLiesAtAnOddPrefix) {
 }
 
 TEST_F(ConfigVersionTest, StoredAndLoaded) {
-    const std::pair<const char*, uint32_t> files[] = {{"[Other]\r\nversion=5\r\n", 1},
+    const std::pair<const char*, uint32_t> files[] = {{nullptr, 1},
+                                                      {"[Other]\r\nversion=5\r\n", 1},
                                                       {"[Config]\r\nversion=abc\r\n", 0},
                                                       {"[Config]\r\nversion=12abc\r\n", 12},
                                                       {"[Config]\r\nversion=0008\r\n", 8},
                                                       {"[Config]\r\nother=5\r\n", 8}};
     for (const auto& [content, expected] : files) {
-        m_folder.Write(L"dswconfig.ini", content);
+        if (content) m_folder.Write(L"dswconfig.ini", content);
         ASSERT_EQ(m_update->Init(), kSuccess);
-        EXPECT_EQ(CurrentConfigVersion(), expected) << content;
+        EXPECT_EQ(CurrentConfigVersion(), expected);
         EXPECT_EQ(m_update->Uninit(), kSuccess);
     }
     const std::pair<uint32_t, const char*> versions[] = {
