@@ -1,20 +1,15 @@
 #include "rules/garbageinfo.h"
 
-#include "sysservices/reference.h"
 #include "tests/rules/recordingrule.h"
-#include "tree/appgarbageinfo.h"
 
 namespace {
 
 // The set flags (R registry, F folder, I iteration, L loop, S shell), folder index, path and filter.
 CString Describe(const CGarbageInfo& rule) {
-    CString text;
-    if (rule.IsRegistry) text += L'R';
-    if (rule.IsFolder) text += L'F';
-    if (rule.Iteration) text += L'I';
-    if (rule.LoopPath) text += L'L';
-    if (rule.UseShellBrowse) text += L'S';
-    return text + L" " + std::to_wstring(rule.FolderIndex) + L" <" + rule.Path + L"> <" + rule.Filter + L">";
+    const auto flag = [](bool set, const wchar_t* letter) { return CString(set ? letter : L""); };
+    return flag(rule.IsRegistry, L"R") + flag(rule.IsFolder, L"F") + flag(rule.Iteration, L"I")
+           + flag(rule.LoopPath, L"L") + flag(rule.UseShellBrowse, L"S") + L" " + std::to_wstring(rule.FolderIndex)
+           + L" <" + rule.Path + L"> <" + rule.Filter + L">";
 }
 
 HRESULT WINAPI RefuseFolder(HWND, int, HANDLE, DWORD, wchar_t* path) {
@@ -78,29 +73,4 @@ TEST_F(RuleTest, ResolvesTheLocation) {
     const IatPatch patch(nullptr, nullptr, "SHGetFolderPathW", reinterpret_cast<const void*>(&RefuseFolder));
     ASSERT_TRUE(patch.ok());
     EXPECT_FALSE(RecordingRule().Load("FolderIndex='9999' Path='Temp'"));
-}
-
-TEST_F(RuleTest, TellsTheApplicationThatItIsPresent) {
-    for (const std::string variable : {"DSW_BASE", "DSW_UNSET"}) {
-        const CReference app(new CAppGarbageInfo(nullptr));
-        const CReference category(new CGarbageCatagory(app.get()));
-        TiXmlDocument document;
-        document.Parse(("<C Name='n'><GarbageInfo FolderEnvDir='" + variable + "' Path='missing'/></C>").c_str());
-        EXPECT_TRUE(category->LoadXml(document.RootElement()));
-        EXPECT_EQ(app->IsAppPresent(), variable == "DSW_BASE");
-        category->ReleaseContent();
-    }
-}
-
-TEST_F(RuleTest, SavesThreeAttributes) {
-    SetEnvironmentVariableW(L"DSW_BASE", L"C:\\ä");
-    TiXmlElement parent("C");
-    parent.LinkEndChild(new TiXmlElement("First"));
-    RecordingRule rule;
-    ASSERT_TRUE(rule.Load("FolderEnvDir='DSW_BASE' Path='x' IsFolder='7' Filter='*.a' Iteration='1' SelState='2'"));
-    EXPECT_TRUE(rule.SaveXml(&parent));
-    TiXmlPrinter printer;
-    printer.SetStreamPrinting();
-    parent.Accept(&printer);
-    EXPECT_STREQ(printer.CStr(), "<C><First /><GarbageInfo Path=\"C:\\ä\\x\" IsFolder=\"1\" FolderIndex=\"-1\" /></C>");
 }

@@ -10,8 +10,7 @@ using Lines = std::vector<std::wstring>;
 
 // A host that notes every notification as a line of text: "progress 0-50", "3 Category", "2 App", "1 Garbage",
 // "found PATH SIZE Garbage", "emptied PATH SIZE Garbage REMOVED", paths relative to `root`.
-class RecordingHost final : public IDregsweepCallback {
-public:
+struct RecordingHost final : IDregsweepCallback {
     // Asked at every notification, with its index from 0; its answer is the host's. It may throw.
     using Answer = std::function<bool(size_t index)>;
 
@@ -31,15 +30,6 @@ public:
     bool Reserved() override { return Note(L"reserved"); }
     bool EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) override {
         return Note(L"emptied " + Item(path, size, category) + (removed ? L" 1" : L" 0"));
-    }
-
-    // The lines that begin with `prefix`.
-    Lines With(const std::wstring& prefix) const {
-        Lines found;
-        for (const std::wstring& line : lines) {
-            if (line.starts_with(prefix)) found.push_back(line);
-        }
-        return found;
     }
 
     Lines lines;

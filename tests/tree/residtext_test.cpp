@@ -5,80 +5,47 @@
 
 namespace {
 
-constexpr const char* kTree =
-    "<A Name='a' ResID='key'><AppInfo Name='b'><GarbageCatagory Name='c' ResID='KEY'/></AppInfo>"
-    "<AppInfo Name='d' ResID='\xC3\xA4'><GarbageCatagory Name='e' ResID=''/></AppInfo></A>";
-
-class Selector final : public ITextSelector {
-public:
-    explicit Selector(std::optional<std::wstring> replacement) : m_replacement(std::move(replacement)) {}
+struct Selector final : ITextSelector {
+    explicit Selector(std::optional<std::wstring> text) : replacement(std::move(text)) {}
     const wchar_t* Select(const wchar_t* text) override {
         seen += text;
-        return m_replacement ? m_replacement->c_str() : nullptr;
+        return replacement ? replacement->c_str() : nullptr;
     }
+    const std::optional<std::wstring> replacement;
     std::wstring seen;
-
-private:
-    const std::optional<std::wstring> m_replacement;
 };
-
-std::wstring Names(const Category& category) {
-    std::wstring names = category->GetInfo()->NameText;
-    for (const size_t app : {0u, 1u}) {
-        names += std::wstring(L" ") + category.App(app).GetInfo()->NameText;
-        names += std::wstring(L" ") + category.Garbage(app).GetInfo()->NameText;
-    }
-    return names;
-}
-
-void Localise(const Category& category, const std::string& entries, ITextSelector* selector = nullptr) {
-    TiXmlDocument document;
-    document.Parse(("<T>" + entries + "</T>").c_str());
-    ASSERT_TRUE(document.RootElement()) << entries;
-    category->ChangeResID(CResIdTextTable(*document.RootElement()), selector);
-}
 
 }  // namespace
 
-TEST(LocalisedNames, ComeFromTheFirstEntryWithAText) {
+TEST(LocalisedNames, ComeFromTheFirstEntryWithATextAndStayWithoutOne) {
     const struct {
         const char* entries;
         const wchar_t* names;
+        std::optional<std::wstring> replacement = {};
+        const wchar_t* seen = L"";
     } kCases[] = {
-        {"", L"a b c d e"},
-        {"<key>1</key><KEY>2</KEY>", L"1 b 2 d e"},
-        {"<key x='y'>1</key><key>2</key>", L"1 b c d e"},
-        {"<key/><key>2</key>", L"a b c d e"},
-        {"<key><KEY>2</KEY></key>", L"a b c d e"},
-        {"<key>\xE6\xB8\x85 \xE7\x90\x86</key>", L"清 理 b c d e"},
-        {"<\xC3\xA4>u</\xC3\xA4>", L"a b c u e"},
-        {"<Key>1</Key><kEY>2</kEY>", L"a b c d e"},
+        {"", L"a b c"},
+        {"<key>1</key><KEY>2</KEY>", L"1 2 c", {}, L"12"},
+        {"<key>3</key><key>4</key>", L"3 2 c"},  // the other in its previous language
+        {"<key/><key>2</key>", L"3 2 c"},
+        {"<key><KEY>9</KEY></key>", L"3 2 c"},
+        {"<key>\xE6\xB8\x85 \xE7\x90\x86</key>", L"清 理 2 c"},
+        {"<\xC3\xA4>u</\xC3\xA4>", L"清 理 2 u"},
+        {"<Key>1</Key><kEY>2</kEY>", L"清 理 2 u"},
+        {"<key>1</key><KEY>2</KEY>", L"  u", L"", L"12"},
     };
+    const Category category(
+        "<A Name='a' ResID='key'><AppInfo Name='b' ResID='KEY'><GarbageCatagory Name='c' "
+        "ResID='\xC3\xA4'/></AppInfo></A>");
     for (const auto& test : kCases) {
-        const Category category(kTree);
-        Localise(category, test.entries);
-        EXPECT_EQ(Names(category), test.names) << test.entries;
+        TiXmlDocument document;
+        document.Parse((std::string("<T>") + test.entries + "</T>").c_str());
+        Selector selector(test.replacement);
+        category->ChangeResID(CResIdTextTable(*document.RootElement()), *test.seen ? &selector : nullptr);
+        EXPECT_EQ(selector.seen, test.seen);
+        EXPECT_EQ(std::wstring(category->GetInfo()->NameText) + L" " + category.App().GetInfo()->NameText + L" "
+                      + category.Garbage().GetInfo()->NameText,
+                  test.names)
+            << test.entries;
     }
-}
-
-TEST(LocalisedNames, WithoutAnEntryStayInThePreviousLanguage) {
-    const Category category(kTree);
-    Localise(category, "<key>un</key><KEY>deux</KEY>");
-    Localise(category, "<key>one</key>");
-    EXPECT_EQ(Names(category), L"one b deux d e");
-    TiXmlElement saved("S");
-    category->SaveXml(&saved);
-    EXPECT_STREQ(saved.Attribute("Name"), "one");
-}
-
-TEST(LocalisedNames, MayBeReplacedByTheHost) {
-    const std::string entries = "<key>1</key><KEY>2</KEY>";
-    const Category category(kTree);
-    Selector keeps({});
-    Localise(category, entries, &keeps);
-    EXPECT_EQ(keeps.seen, L"12") << "asked for texts that were found only";
-    EXPECT_EQ(Names(category), L"1 b 2 d e");
-    Selector replaces(L"");
-    Localise(category, entries, &replaces);
-    EXPECT_EQ(Names(category), L" b  d e");
 }

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <tinyxml.h>
 
-#include <memory>
 #include <string>
 
 #include "sysservices/appinfomanager.h"
@@ -17,33 +16,23 @@ public:
         : m_category(new CAppCatagory(engine, notifications)) {
         m_document.Parse(xml.c_str());
         EXPECT_TRUE(m_document.RootElement()) << xml;
-        if (m_document.RootElement()) loaded = m_category->LoadXml(m_document.RootElement());
+        loaded = m_document.RootElement() && m_category->LoadXml(m_document.RootElement());
     }
     ~Category() {
         m_category->ReleaseContent();
         m_category->Release();
-        // Made by the look-up of a product, and kept by the process.
-        CAppInfoManager::ReleaseInstance();
+        CAppInfoManager::ReleaseInstance();  // made by the look-up of a product
     }
-    Category(const Category&) = delete;
-    Category& operator=(const Category&) = delete;
-
     CAppCatagory* operator->() const { return m_category; }
     CAppCatagory& operator*() const { return *m_category; }
-    // Borrowed from the tree.
-    CAppGarbageInfo& App(size_t app = 0) const {
-        return static_cast<CAppGarbageInfo&>(*ChildrenOf(*m_category).at(app));
-    }
-    CGarbageCatagory& Garbage(size_t app = 0, size_t garbage = 0) const {
-        return static_cast<CGarbageCatagory&>(*ChildrenOf(App(app)).at(garbage));
-    }
-    CGarbageInfo& Rule(size_t app = 0, size_t garbage = 0, size_t rule = 0) const {
-        return static_cast<CGarbageInfo&>(*ChildrenOf(Garbage(app, garbage)).at(rule));
-    }
+    // Borrowed from the tree; always the first child.
+    auto& App() const { return static_cast<CAppGarbageInfo&>(*ChildrenOf(*m_category).at(0)); }
+    auto& Garbage() const { return static_cast<CGarbageCatagory&>(*ChildrenOf(App()).at(0)); }
+    auto& Rule() const { return static_cast<CGarbageInfo&>(*ChildrenOf(Garbage()).at(0)); }
 
     bool loaded = false;
 
 private:
     TiXmlDocument m_document;
-    CAppCatagory* m_category;
+    CAppCatagory* const m_category;
 };
