@@ -24,8 +24,7 @@ inline Engine NewEngine(const SmallJob& job) {
 inline Lines TakeTraces() {
     Lines lines = TakeTraceLines();
     for (std::wstring& line : lines) {
-        const size_t keep = line.find_last_not_of(L"0123456789") + 1;
-        if (keep < line.size()) line.replace(keep, line.size() - keep, L"#");
+        if (iswdigit(line.back())) line.replace(line.find_last_not_of(L"0123456789") + 1, line.npos, L"#");
     }
     return lines;
 }

@@ -9,36 +9,28 @@ const Life kLives[] = {
         EXPECT_TRUE(engine->Gather(nullptr) && engine->Clean(nullptr));
         engine->Uninit();
     },
-    [](const SmallJob& job) { EXPECT_TRUE(NewEngine(job)->Gather(nullptr)); },
     [](const SmallJob& job) {
-        const std::wstring bad = job.folder.Write(
-            L"bad.xml",
+        const std::string xml =
             "<R><AppCategoryInfo Name='a'><AppInfo Name='b'/></AppCategoryInfo><AppCategoryInfo Name='c'><AppInfo "
             "Name='d'><GarbageCatagory Name='e'><GarbageInfo Path='x'/></GarbageCatagory><GarbageCatagory/></AppInfo>"
-            "</AppCategoryInfo></R>");
+            "</AppCategoryInfo></R>";
+        const std::wstring bad = job.folder.Write(L"bad.xml", xml);
         const Engine engine = NewEngine();
-        for (int round = 0; round < 2; ++round)
-            EXPECT_NE(engine->Init(bad.c_str(), L"", nullptr), 0u);
+        EXPECT_TRUE(engine->Init(bad.c_str(), L"", nullptr) && engine->Init(bad.c_str(), L"", nullptr));
     },
     // The host holds nodes longer than the engine.
     [](const SmallJob& job) {
         Engine engine = NewEngine(job);
+        const CReference ofEarlierInit(engine->GetFirstCategory());
+        engine->Uninit();
+        engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
         engine->Gather(nullptr);
         const CReference category(engine->GetFirstCategory());
         const auto rule = std::move(ChildrenOf(*ChildrenOf(*ChildrenOf(*category)[0])[0])[0]);
         engine = {};
-        EXPECT_STREQ(category->GetInfo()->NameText, L"A");
-        EXPECT_EQ(category->GetFirstChild(), nullptr);
-        EXPECT_TRUE(category->HostNotify1(0));
+        EXPECT_TRUE(!category->GetFirstChild() && category->HostNotify1(0));
         EXPECT_EQ(rule->GetTotalCount(), 2u);
         rule->Toggle();
-    },
-    // It holds a category of an earlier Init.
-    [](const SmallJob& job) {
-        const Engine engine = NewEngine(job);
-        const CReference category(engine->GetFirstCategory());
-        engine->Uninit();
-        engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
     },
 };
 
@@ -72,6 +64,5 @@ TEST(OutOfMemory, AtEveryPointOfASmallJob) {
         ASSERT_TRUE(job.HasBystander()) << n;
         TakeTraceLines();
     }
-    EXPECT_GT(n, 100);
-    EXPECT_LT(n, 20'000);
+    EXPECT_TRUE(n > 100 && n < 20'000) << n;
 }

@@ -27,7 +27,7 @@ void Enumerate(Node& node, const Work& work) {
     }
 }
 
-// What a host may do in a notification, on the engine's own thread. All of these leave the host a reference or none.
+// What a host may do in a notification, on the engine's own thread.
 using Act = void (*)(Engine& engine, const SmallJob& job);
 using J = const SmallJob;
 const Act kActs[] = {
@@ -36,7 +36,6 @@ const Act kActs[] = {
     [](Engine& engine, J& job) { engine->ChangeResID(job.texts.c_str(), nullptr); },
     [](Engine& engine, J&) { engine->Gather(nullptr); },
     [](Engine& engine, J&) { engine->Clean(nullptr); },
-    [](Engine& engine, J&) { engine->Gather(nullptr), engine->Clean(nullptr); },
     [](Engine& engine, J&) { engine->Uninit(); },
     [](Engine& engine, J& job) { engine->Uninit(), engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr); },
     [](Engine& engine, J&) { engine = {}; },

@@ -8,24 +8,16 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-decltype(&FindFirstFileW) g_first;
 decltype(&FindNextFileW) g_next;
 
 // What no folder at hand offers: device bits, a name that ends in a dot, 20 GB.
-bool Doctor(bool found, WIN32_FIND_DATAW& entry) {
-    const CString name = found ? entry.cFileName : L"";
-    if (name.starts_with(L"dev")) entry.dwFileAttributes |= FILE_ATTRIBUTE_DEVICE;
-    if (name == L"z") wcscpy(entry.cFileName, L"z.");
-    if (name == L"c.txt") entry.nFileSizeHigh = 5;
-    return found;
-}
-HANDLE WINAPI DoctoredFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) {
-    const HANDLE search = g_first(pattern, entry);
-    Doctor(search != INVALID_HANDLE_VALUE, *entry);
-    return search;
-}
 BOOL WINAPI DoctoredNext(HANDLE search, WIN32_FIND_DATAW* entry) {
-    return Doctor(g_next(search, entry), *entry);
+    if (!g_next(search, entry)) return FALSE;
+    const CString name = entry->cFileName;
+    if (name.starts_with(L"dev")) entry->dwFileAttributes |= FILE_ATTRIBUTE_DEVICE;
+    if (name == L"z") wcscpy(entry->cFileName, L"z.");
+    if (name == L"c.txt") entry->nFileSizeHigh = 5;
+    return TRUE;
 }
 
 class FolderScanTest : public RuleTest {
@@ -35,12 +27,10 @@ protected:
              {L"a.log", L"b.tmp", L"c.txt", L"dev.log", LR"(device\v.log)", LR"(.hid\h.log)", LR"(Kéep\k.log)",
               LR"(Kéep\Deep\d.log)", LR"(Sub\s.log)", LR"(Sub\Temp\t.log)", LR"(Sub\Temp\Temp\n.log)", LR"(z\z.log)"})
             m_folder.Write(name);
-        g_first = m_firstPatch.original<decltype(&FindFirstFileW)>();
         g_next = m_nextPatch.original<decltype(&FindNextFileW)>();
     }
 
 private:
-    const IatPatch m_firstPatch{nullptr, nullptr, "FindFirstFileW", reinterpret_cast<const void*>(&DoctoredFirst)};
     const IatPatch m_nextPatch{nullptr, nullptr, "FindNextFileW", reinterpret_cast<const void*>(&DoctoredNext)};
 };
 
@@ -67,8 +57,6 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         {m_files + "SelfExclude='1'", "", L""},
         {all + "SelfExclude='1'", "", hid + keep + sub + temp + below},
         {m_files + "ExcludeFilter='|.log||.txt|'", "", L"b.tmp"},
-        {m_files + "ExcludeFilter='.LOG'", "", top},
-        {m_files + "Path='missing'", "", L""},
         // A pattern: what is below comes first, links included.
         {m_pattern, "", L"a.log"},
         {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + below + temp + sub + L"a.log"},
@@ -79,30 +67,24 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         {excluding, "<ExcludePath Path='KÉEP' Iteration='1'/><ExcludePath Path='ké'/>",
          hid + top + deep + sub + temp + below},
         {excluding, "<ExcludePath Path='UB\\TEMP' ExactMatch='1'/>", hid + top + keep + sub},  // inside a name
-        {excluding, "<ExcludePath Path='sub\\temp'/>", hid + top + keep + sub + temp + below},
         {excluding, "<ExcludePath/><Other Path='sub'/>", hid + top + keep + sub + temp + below},
         // A folder that the host refuses is skipped without stopping.
         {all, "", hid + top + keep, L"Sub"},
         {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + L"a.log", L"Sub"},
         // Without a base folder no children are read, though the flags are set.
         {bare + "Iteration='1' ExcludePath='1'", "<ExcludePath Path='temp'/>", sub + temp + below},
-        {bare + "LoopPath='1'", "<LoopPath Path='*'/>", L""},
         // One file, listed under the rule's own path.
         {"FolderEnvDir='DSW_BASE' Path='b.tmp'", "", L"b.tmp"},
-        {"FolderEnvDir='DSW_BASE' Path='none*'", "", L""},
         {"FolderEnvDir='DSW_BASE' Path='*.log' Filter='x' Iteration='1'", "", L"*.log"},
         // Loops.
-        {m_loop, "", L""},
         {m_loop, "<LoopPath TerminalPath='sub'/><LoopPath AddPath='Sub'/>", L""},
         {m_loop + "SelfExclude='1'", "<looppath Path='*'/>", LR"(device\v.log Kéep\k.log Sub\s.log z.\z.log)"},
         {m_loop, "<LoopPath Path='*' AddPath='Temp'/>", temp},
         {m_loop, "<LoopPath Path='S*'/><LoopPath Path='*'/>", temp},
         {m_loop, "<LoopPath Path='none'/><LoopPath Path='Sub'/><LoopPath TerminalPath='temp'/>", L""},
-        {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath Path='Temp'/>", L""},
         {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath TerminalPath='TEMP' ExactMatch='1'/>", temp},
         {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='EM|DEE'/>", deep + temp},
         {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em|deep' ExactMatch='1'/>", deep},
-        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em' ExactMatch='1'/><LoopPath TerminalPath='x'/>", temp},
         {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em'/><LoopPath TerminalPath='x' ExactMatch='1'/>", L""},
     };
     for (const Case& c : cases) {

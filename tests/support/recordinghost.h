@@ -14,9 +14,7 @@ struct RecordingHost final : IDregsweepCallback {
     // Asked at every notification, with its index from 0; its answer is the host's. It may throw.
     using Answer = std::function<bool(size_t index)>;
 
-    explicit RecordingHost(const std::wstring& root = {}, Answer answer = {})
-        : m_root(root + L"\\"),
-          m_answer(std::move(answer)) {}
+    explicit RecordingHost(const std::wstring& root = {}, Answer ask = {}) : m_root(root), m_ask(std::move(ask)) {}
 
     bool StepNotify1(uint64_t node) override { return Note(L"1 " + NameOf<IGarbageCatagory>(node)); }
     bool StepNotify2(uint64_t node) override { return Note(L"2 " + NameOf<IAppGarbageInfo>(node)); }
@@ -40,14 +38,14 @@ private:
         return reinterpret_cast<Node*>(node)->GetInfo()->NameText;
     }
     std::wstring Item(std::wstring path, uint64_t size, uint64_t category) const {
-        if (path.starts_with(m_root)) path.erase(0, m_root.size());
+        if (path.starts_with(m_root)) path.erase(0, m_root.size() + 1);
         return path + L" " + std::to_wstring(size) + L" " + NameOf<IGarbageCatagory>(category);
     }
     bool Note(std::wstring line) {
         lines.push_back(std::move(line));
-        return !m_answer || m_answer(lines.size() - 1);
+        return !m_ask || m_ask(lines.size() - 1);
     }
 
     const std::wstring m_root;
-    const Answer m_answer;
+    const Answer m_ask;
 };

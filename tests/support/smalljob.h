@@ -49,16 +49,17 @@ struct SmallJob {
                  L"found b\\3.log 5 G2|-25-50|2 A2|-25-50|1 G3|*25-50|-50-100|3 B|-50-100|2 B1|-50-100|1 G5|*50-75|"
                  L"found c\\4.dat 7 G5|*75-100",
                  L"|")) {
-            const bool progress = line[0] == L'-' || line[0] == L'*', found = line[0] == L'f';
-            if (progress && !(clean && line[0] == L'*')) all.push_back(L"progress " + line.substr(1));
-            if (!progress) all.push_back(found && clean ? L"emptied" + line.substr(5) + L" 1" : line);
+            if (line[0] == L'-' || (line[0] == L'*' && !clean)) all.push_back(L"progress " + line.substr(1));
+            if (line[0] == L'f') all.push_back(clean ? L"emptied" + line.substr(5) + L" 1" : line);
+            if (iswdigit(line[0])) all.push_back(line);
         }
         return all;
     }
 
     const TempFolder folder;
-    const std::wstring rules = folder.Write(
-        L"rules.xml", R"(<Rules><AppCategoryInfo Name="not A" ResID="KeyOfA" SelState="2"><AppInfo Name="A1">
+    const std::wstring rules =
+        folder.Write(L"rules.xml", R"(<Rules>
+<AppCategoryInfo Name="not A" ResID="KeyOfA" SelState="2"><AppInfo Name="A1">
 <GarbageCatagory Name="G1"><GarbageInfo FolderEnvDir="DSW_JOB" Path="a" IsFolder="1"/></GarbageCatagory>
 <GarbageCatagory Name="G2"><GarbageInfo FolderEnvDir="DSW_JOB" Path="b\3.log"/></GarbageCatagory></AppInfo>
 <AppInfo Name="A2"><GarbageCatagory Name="G3"><GarbageInfo FolderEnvDir="DSW_JOB" Path="none" IsFolder="1"/>
@@ -67,7 +68,7 @@ struct SmallJob {
 </AppInfo></AppCategoryInfo><AppCategoryInfo Name="B" SelState="2"><AppInfo Name="B1"><GarbageCatagory Name="G5">
 <GarbageInfo FolderEnvDir="DSW_JOB" Path="c" IsFolder="1"/>
 <GarbageInfo Registry="1" RootKey="HKCU" Value="v" KeyPath=")"
-                          + key + R"("/></GarbageCatagory></AppInfo></AppCategoryInfo></Rules>)");
+                                       + key + R"("/></GarbageCatagory></AppInfo></AppCategoryInfo></Rules>)");
     const std::wstring texts = folder.Write(L"text.xml", "<R><Dregsweep><KeyOfA>A</KeyOfA></Dregsweep></R>");
 };
 
