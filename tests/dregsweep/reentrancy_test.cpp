@@ -28,8 +28,8 @@ void Enumerate(Node& node, const Work& work) {
 }
 
 // What a host may do in a notification, on the engine's own thread.
-using Act = void (*)(Engine& engine, const SmallJob& job);
 using J = const SmallJob;
+using Act = void (*)(Engine& engine, J& job);
 const Act kActs[] = {
     [](Engine& engine, J&) { Enumerate(*engine, [] { throw 1; }); },
     [](Engine& engine, J&) { ChildrenOf(*ChildrenOf(*engine).at(0)).at(0)->Discard(), engine->ClearTotals(); },
@@ -56,16 +56,14 @@ TEST_P(HostThat, LeavesNothingDangling) {
         for (size_t n = 0; n < SmallJob::Expected(inClean).size(); ++n) {
             job.Seed();
             Engine engine = NewEngine(job);
-            bool uninitialised = false;
             RecordingHost host({}, [&](size_t i) {
                 if (i == n) GetParam()(engine, job);
-                uninitialised |= i == n && engine && !CReference(engine->GetFirstCategory());
+                // The run of an engine without categories ends at the next node, at the latest after the rule in hand.
+                EXPECT_TRUE(i < n + 3 || !engine || CReference(engine->GetFirstCategory()));
                 return true;
             });
             EXPECT_TRUE(engine->Gather(inClean ? nullptr : &host));
             EXPECT_TRUE(!engine || engine->Clean(inClean ? &host : nullptr));
-            // The run ends at the next node, at the latest after the rule in hand.
-            EXPECT_TRUE(!uninitialised || host.lines.size() <= n + 3) << host.lines.size();
             EXPECT_TRUE(job.HasBystander());
             TakeTraceLines();
         }
@@ -77,10 +75,8 @@ INSTANTIATE_TEST_SUITE_P(Acts, HostThat, testing::ValuesIn(kActs));
 TEST(NestedRun, BringsTheOuterCallbackBack) {
     const SmallJob job;
     const Engine engine = NewEngine(job);
-    RecordingHost inner(job.folder.path());
-    RecordingHost outer(job.folder.path(), [&](size_t i) { return i != 0 || engine->Gather(&inner); });
-    EXPECT_TRUE(engine->Gather(&outer));
+    RecordingHost inner(job.folder.path()), outer({}, [&](size_t i) { return i != 0 || engine->Gather(&inner); });
+    EXPECT_TRUE(engine->Gather(&outer) && outer.lines.size() > 18);
     EXPECT_EQ(inner.lines, SmallJob::Expected(false));
-    EXPECT_GT(outer.lines.size(), 18u);
     EXPECT_TRUE(engine->HostNotify1(1)) << "nobody to ask any more";
 }

@@ -54,7 +54,6 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         // Everything: one pass; no links, no devices, no name of two characters that ends in a dot.
         {m_files, "", top},
         {all, "", hid + top + keep + sub + temp + below},
-        {m_files + "SelfExclude='1'", "", L""},
         {all + "SelfExclude='1'", "", hid + keep + sub + temp + below},
         {m_files + "ExcludeFilter='|.log||.txt|'", "", L"b.tmp"},
         // A pattern: what is below comes first, links included.
@@ -80,7 +79,6 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         {m_loop, "<LoopPath TerminalPath='sub'/><LoopPath AddPath='Sub'/>", L""},
         {m_loop + "SelfExclude='1'", "<looppath Path='*'/>", LR"(device\v.log Kéep\k.log Sub\s.log z.\z.log)"},
         {m_loop, "<LoopPath Path='*' AddPath='Temp'/>", temp},
-        {m_loop, "<LoopPath Path='S*'/><LoopPath Path='*'/>", temp},
         {m_loop, "<LoopPath Path='none'/><LoopPath Path='Sub'/><LoopPath TerminalPath='temp'/>", L""},
         {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath TerminalPath='TEMP' ExactMatch='1'/>", temp},
         {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='EM|DEE'/>", deep + temp},
@@ -93,7 +91,7 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         ASSERT_TRUE(rule.Load(c.attributes, c.children));
         EXPECT_TRUE(rule.Gather());
         EXPECT_THAT(Listed(rule), ElementsAreArray(Split(c.found, L" "))) << c.attributes << c.children;
-        EXPECT_TRUE(rule.Gather());
+        EXPECT_TRUE(rule.Gather()) << "again";
         EXPECT_EQ(rule.GetTotalCount() * 2, rule.found.size()) << "each scan adds up from zero";
         const bool hasLarge = c.found.find(L"c.txt") != CString::npos;
         EXPECT_EQ(rule.GetPendingSize(), rule.GetTotalCount() + (hasLarge ? 5ULL << 32 : 0));

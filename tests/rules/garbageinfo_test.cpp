@@ -26,7 +26,6 @@ TEST_F(RuleTest, ReadsAttributes) {
         {"Path='x' Registry='t' GetByReg='u' IsFolder='a' Iteration='' FolderIndex='q' UseShellBrowse='z'", true,
          L" -1 <x> <*>"},
         {"Path='x' GetByReg='2'", true, L"F -1 <x> <*>"},  // stands in for a missing "IsFolder"
-        {"Path='x' GetByReg='2' IsFolder='0'", true, L" -1 <x> <*>"},
         {"Path='x' GetByReg='1' FolderX86EnvDir='DSW_BASE'", true, L"F -1 <> <*>"},
         {"Registry='1'", true, L"R -1 <> <>"},
         {"Registry='1' Path='x' KeyPath='K' Filter='F' Iteration='1' IsFolder='1' FolderIndex='5' FolderEnvDir='E' "

@@ -32,7 +32,6 @@ struct RecordingHost final : IDregsweepCallback {
 
     Lines lines;
 
-private:
     template <class Node>
     static std::wstring NameOf(uint64_t node) {
         return reinterpret_cast<Node*>(node)->GetInfo()->NameText;

@@ -11,32 +11,23 @@ class Tree {
 public:
     explicit Tree(const std::string& states, bool secondIsPresent = true) : m_category(Xml(states, secondIsPresent)) {
         Add(*m_category);
-        for (const auto& app : ChildrenOf(*m_category)) {
-            Add(*app);
-            for (const auto& garbage : ChildrenOf(*app)) {
-                Add(*garbage);
-                for (const auto& rule : ChildrenOf(*garbage))
-                    Add(*rule);
-            }
-        }
     }
     // 'T'oggles, 'S'ets, 'R'ecomputes, recomputes from a 'C'hild, or resets (X) the node at this place of the states.
     void Do(char operation, size_t node, uint32_t state) const { m_nodes.at(node)(operation, state); }
     std::string States() const {
         std::string states;
-        for (const auto& node : m_nodes) {
-            const uint32_t state = node('?', 0);
-            states += state > 9 ? "~" : std::to_string(state);
-        }
+        for (const auto& node : m_nodes)
+            states += node('?', 0) > 9 ? "~" : std::to_string(node('?', 0));
         return states;
     }
 
 private:
     static std::string Xml(const std::string& states, bool secondIsPresent) {
-        std::string xml = "<A@><AppInfo@ InBuildProgram='1'><GarbageCatagory@><GarbageInfo@/><GarbageInfo@/>"
-                          "</GarbageCatagory><GarbageCatagory@><GarbageInfo@/></GarbageCatagory></AppInfo><AppInfo@ "
-                          "InBuildProgram='" + std::string(secondIsPresent ? "1" : "0") + "'><GarbageCatagory@>"
-                          "<GarbageInfo@/></GarbageCatagory></AppInfo></A>";
+        std::string xml =
+            "<A@><AppInfo@ InBuildProgram='1'><GarbageCatagory@><GarbageInfo@/><GarbageInfo@/></GarbageCatagory>"
+            "<GarbageCatagory@><GarbageInfo@/></GarbageCatagory></AppInfo><AppInfo@ ?><GarbageCatagory@>"
+            "<GarbageInfo@/></GarbageCatagory></AppInfo></A>";
+        xml.replace(xml.find('?'), 1, secondIsPresent ? "InBuildProgram='1'" : "");
         for (const char state : states) {
             const std::string value = state == 'x' ? "abc" : state == '~' ? "-5" : std::string(1, state);
             xml.replace(xml.find('@'), 1, " Name='' Path=''" + (state == '-' ? "" : " SelState='" + value + "'"));
@@ -53,6 +44,10 @@ private:
             if (operation == 'X') node.ResetAll();
             return node.GetState();
         });
+        if constexpr (!requires { node.EnumFound(nullptr); }) {
+            for (const auto& child : ChildrenOf(node))
+                Add(*child);
+        }
     }
 
     const Category m_category;

@@ -29,9 +29,7 @@ TEST_F(TreeVolume, GrowsAndShrinksAtEveryLevel) {
     CGarbageInfo& rule = m_category.Rule();
     EXPECT_TRUE(rule.ReportFound(L"x", &m_hundred, 0) && rule.ReportFound(L"x", &m_hundred, 0));
     EXPECT_THAT(Totals(), testing::Each("200/200 2/2"));
-    EXPECT_TRUE(rule.ReportEmptied(L"x", &m_more, 0, false, 9));
-    EXPECT_THAT(Totals(), testing::Each("200/200 2/2"));
-    EXPECT_TRUE(rule.ReportEmptied(L"x", &m_hundred, 0, true, 1));
+    EXPECT_TRUE(rule.ReportEmptied(L"x", &m_more, 0, false, 9) && rule.ReportEmptied(L"x", &m_hundred, 0, true, 1));
     EXPECT_THAT(Totals(), testing::Each("100/100 1/1"));
     EXPECT_TRUE(rule.ReportEmptied(L"x", &m_more, 0, true, 2));
     EXPECT_THAT(Totals(), testing::Each("0/0 0/0"));
