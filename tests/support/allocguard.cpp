@@ -29,17 +29,9 @@ std::atomic<long long> g_untilFailure{-1};
     ExitProcess(99);
 }
 
-bool MustFail() {
-    if (g_untilFailure < 0) return false;
-    if (g_untilFailure > 0) {
-        --g_untilFailure;
-        return false;
-    }
-    return true;
-}
-
 void* Allocate(size_t size) noexcept {
-    if (MustFail()) return nullptr;
+    if (g_untilFailure == 0) return nullptr;
+    if (g_untilFailure > 0) --g_untilFailure;
     auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size + sizeof kTail));
     if (!header) return nullptr;
     *header = {kAlive, size};
@@ -74,34 +66,14 @@ void FailAfter(long long count) {
 
 }  // namespace alloc_guard
 
+// All other forms of the library end in these.
 void* operator new(size_t size) {
     if (void* block = alloc_guard::Allocate(size)) return block;
     throw std::bad_alloc();
 }
-void* operator new[](size_t size) {
-    return operator new(size);
-}
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return alloc_guard::Allocate(size);
-}
-void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    return alloc_guard::Allocate(size);
-}
 void operator delete(void* block) noexcept {
     alloc_guard::Free(block);
 }
-void operator delete[](void* block) noexcept {
-    alloc_guard::Free(block);
-}
 void operator delete(void* block, size_t) noexcept {
-    alloc_guard::Free(block);
-}
-void operator delete[](void* block, size_t) noexcept {
-    alloc_guard::Free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    alloc_guard::Free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
     alloc_guard::Free(block);
 }

@@ -1,10 +1,14 @@
 #include "tests/support/fakeshell.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 
 namespace {
 
 FakeShell* g_shell = nullptr;
+decltype(&CoTaskMemAlloc) g_allocate = nullptr;
+decltype(&CoTaskMemFree) g_free = nullptr;
 
 std::string LastName(LPCITEMIDLIST list) {
     const ITEMIDLIST* last = list ? ILFindLastID(list) : nullptr;
@@ -12,29 +16,62 @@ std::string LastName(LPCITEMIDLIST list) {
     return {reinterpret_cast<const char*>(last->mkid.abID), last->mkid.cb - sizeof(USHORT)};
 }
 
+// Made with new, so that the leak check sees one that is not released.
 class FakeEnumerator : public Fake<IEnumIDList> {
 public:
-    explicit FakeEnumerator(FakeFolder& folder) : m_folder(folder) { ++folder.liveEnumerators; }
-    ~FakeEnumerator() override { --m_folder.liveEnumerators; }
+    explicit FakeEnumerator(const std::vector<std::string>& items) : m_items(items) {}
 
     ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = --references;
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
+        delete this;
+        return 0;
     }
     HRESULT STDMETHODCALLTYPE Next(ULONG, LPITEMIDLIST* out, ULONG* fetched) override {
-        *fetched = m_at < m_folder.items.size() ? 1 : 0;
-        *out = *fetched ? MakeFakeList(m_folder.items[m_at++]) : nullptr;
-        return *fetched ? S_OK : S_FALSE;
+        *out = m_at < m_items.size() ? MakeFakeList(m_items[m_at++]) : nullptr;
+        *fetched = *out ? 1 : 0;
+        return *out ? S_OK : S_FALSE;
     }
     HRESULT STDMETHODCALLTYPE Skip(ULONG) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Clone(IEnumIDList**) override { return E_NOTIMPL; }
 
 private:
-    FakeFolder& m_folder;
+    const std::vector<std::string>& m_items;
     size_t m_at = 0;
 };
+
+HRESULT WINAPI GetDesktop(IShellFolder** out) {
+    g_shell->desktop.AddRef();
+    *out = &g_shell->desktop;
+    return S_OK;
+}
+
+BOOL WINAPI FindPath(LPCITEMIDLIST item, wchar_t* path) {
+    const auto found = g_shell->paths.find(LastName(item));
+    return found != g_shell->paths.end() && lstrcpynW(path, found->second.c_str(), MAX_PATH);
+}
+
+DWORD_PTR WINAPI GetInfo(const wchar_t* item, DWORD, SHFILEINFOW* info, UINT, UINT flags) {
+    const std::string name = LastName(reinterpret_cast<LPCITEMIDLIST>(item));
+    g_shell->infoFlags.push_back(flags);
+    lstrcpynW(info->szDisplayName, std::wstring(name.begin(), name.end()).c_str(), 80);
+    info->hIcon = reinterpret_cast<HICON>(&++g_shell->liveIcons);
+    return 1;
+}
+
+BOOL WINAPI EndIcon(HICON) {
+    --g_shell->liveIcons;
+    return TRUE;
+}
+
+void* WINAPI Allocate(SIZE_T bytes) {
+    ++g_shell->liveBlocks;
+    return g_allocate(bytes);
+}
+
+void WINAPI Free(void* block) {
+    if (block) --g_shell->liveBlocks;
+    g_free(block);
+}
 
 }  // namespace
 
@@ -51,7 +88,6 @@ HRESULT FakeMenu::InvokeCommand(LPCMINVOKECOMMANDINFO info) {
     ++calls;
     command = *info;
     verb = info->lpVerb;
-    if (act) act();
     return answer;
 }
 
@@ -64,7 +100,7 @@ HRESULT FakeFolder::BindToObject(LPCITEMIDLIST item, LPBC, REFIID id, void** out
 HRESULT FakeFolder::EnumObjects(HWND, SHCONTF flags, IEnumIDList** out) {
     listings.push_back(flags);
     // As real folders without items do.
-    *out = items.empty() ? nullptr : new FakeEnumerator(*this);
+    *out = items.empty() ? nullptr : new FakeEnumerator(items);
     return items.empty() ? S_FALSE : S_OK;
 }
 
@@ -75,68 +111,12 @@ HRESULT FakeFolder::GetUIObjectOf(HWND, UINT count, LPCITEMIDLIST* item, REFIID 
     return menu.QueryInterface(id, out);
 }
 
-HRESULT FakeFolder::ParseDisplayName(HWND, LPBC, LPWSTR name, ULONG*, LPITEMIDLIST* out, ULONG*) {
-    *out = nullptr;
-    for (const auto& [key, folder] : folders) {
-        if (std::wstring(key.begin(), key.end()) == name) *out = MakeFakeList(key);
-    }
-    return *out ? S_OK : HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
-}
-
-FakeShell::FakeShell(HMODULE module)
-    : m_getDesktop(module, nullptr, "SHGetDesktopFolder", reinterpret_cast<void*>(&GetDesktop)),
-      m_getPath(module, nullptr, "SHGetPathFromIDListW", reinterpret_cast<void*>(&GetPath)),
-      m_getInfo(module, nullptr, "SHGetFileInfoW", reinterpret_cast<void*>(&GetInfo)),
-      m_endIcon(module, nullptr, "DestroyIcon", reinterpret_cast<void*>(&EndIcon)),
-      m_allocate(module, nullptr, "CoTaskMemAlloc", reinterpret_cast<void*>(&Allocate)),
-      m_free(module, nullptr, "CoTaskMemFree", reinterpret_cast<void*>(&Free)) {
+FakeShell::FakeShell()
+    : m_patches{{"SHGetDesktopFolder", GetDesktop}, {"SHGetPathFromIDListW", FindPath}, {"SHGetFileInfoW", GetInfo},
+                {"DestroyIcon", EndIcon},           {"CoTaskMemAlloc", Allocate},       {"CoTaskMemFree", Free}} {
+    for (const IatPatch& patch : m_patches)
+        EXPECT_TRUE(patch.ok());
     g_shell = this;
-}
-
-FakeShell::~FakeShell() {
-    g_shell = nullptr;
-}
-
-bool FakeShell::ok() const {
-    return m_getDesktop.ok() && m_getPath.ok() && m_getInfo.ok() && m_endIcon.ok() && m_allocate.ok() && m_free.ok();
-}
-
-HRESULT FakeShell::GetDesktop(IShellFolder** out) {
-    *out = nullptr;
-    if (SUCCEEDED(g_shell->desktopAnswer)) {
-        g_shell->desktop.AddRef();
-        *out = &g_shell->desktop;
-    }
-    return g_shell->desktopAnswer;
-}
-
-BOOL FakeShell::GetPath(LPCITEMIDLIST item, wchar_t* path) {
-    const auto found = g_shell->paths.find(LastName(item));
-    if (found == g_shell->paths.end()) return FALSE;
-    lstrcpynW(path, found->second.c_str(), MAX_PATH);
-    return TRUE;
-}
-
-DWORD_PTR FakeShell::GetInfo(const wchar_t* item, DWORD, SHFILEINFOW* info, UINT, UINT flags) {
-    const std::string name = LastName(reinterpret_cast<LPCITEMIDLIST>(item));
-    g_shell->infoFlags.push_back(flags);
-    lstrcpynW(info->szDisplayName, std::wstring(name.begin(), name.end()).c_str(), 80);
-    info->hIcon = reinterpret_cast<HICON>(&g_shell->liveIcons);
-    ++g_shell->liveIcons;
-    return 1;
-}
-
-BOOL FakeShell::EndIcon(HICON) {
-    --g_shell->liveIcons;
-    return TRUE;
-}
-
-void* FakeShell::Allocate(SIZE_T bytes) {
-    ++g_shell->liveBlocks;
-    return g_shell->m_allocate.original<decltype(&CoTaskMemAlloc)>()(bytes);
-}
-
-void FakeShell::Free(void* block) {
-    if (block) --g_shell->liveBlocks;
-    g_shell->m_free.original<decltype(&CoTaskMemFree)>()(block);
+    g_allocate = m_patches[4].original<decltype(g_allocate)>();
+    g_free = m_patches[5].original<decltype(g_free)>();
 }

@@ -3,7 +3,6 @@
 #include <windows.h>
 #include <shlobj.h>
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -28,10 +27,9 @@ public:
     // Behind the interface's operations, whose places it must not move.
     virtual ~Fake() = default;
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
-        const bool known = id == IID_IUnknown || id == __uuidof(I);
-        *out = known ? static_cast<I*>(this) : nullptr;
-        if (known) ++references;
-        return known ? S_OK : E_NOINTERFACE;
+        *out = id == __uuidof(I) ? static_cast<I*>(this) : nullptr;
+        if (*out) ++references;
+        return *out ? S_OK : E_NOINTERFACE;
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
     ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
@@ -43,7 +41,6 @@ public:
 class FakeMenu : public Fake<IContextMenu> {
 public:
     HRESULT answer = S_OK;
-    std::function<void()> act;
     int calls = 0;
     std::string verb;
     CMINVOKECOMMANDINFO command = {};
@@ -53,7 +50,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetCommandString(UINT_PTR, UINT, UINT*, LPSTR, UINT) override { return E_NOTIMPL; }
 };
 
-// Lists `items`; binds and parses to the folders in `folders` and nothing else.
+// Lists `items`; binds to the folders in `folders` and nothing else.
 class FakeFolder : public Fake<IShellFolder2> {
 public:
     std::vector<std::string> items;
@@ -62,19 +59,22 @@ public:
     HRESULT menuAnswer = S_OK;
     std::string menuItem;           // the last item whose menu was asked for
     std::vector<SHCONTF> listings;  // the flags of each enumeration
-    LONG liveEnumerators = 0;
 
-    bool Balanced() const { return references == 1 && menu.references == 1 && liveEnumerators == 0; }
+    bool Balanced() const { return references == 1 && menu.references == 1; }
 
     HRESULT STDMETHODCALLTYPE BindToObject(LPCITEMIDLIST, LPBC, REFIID, void**) override;
     HRESULT STDMETHODCALLTYPE EnumObjects(HWND, SHCONTF, IEnumIDList**) override;
     HRESULT STDMETHODCALLTYPE GetUIObjectOf(HWND, UINT, LPCITEMIDLIST*, REFIID, UINT*, void**) override;
-    HRESULT STDMETHODCALLTYPE ParseDisplayName(HWND, LPBC, LPWSTR, ULONG*, LPITEMIDLIST*, ULONG*) override;
+
+    // Nobody asks for the rest.
+    HRESULT STDMETHODCALLTYPE ParseDisplayName(HWND, LPBC, LPOLESTR, ULONG*, LPITEMIDLIST*, ULONG*) override {
+        return E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE BindToStorage(LPCITEMIDLIST, LPBC, REFIID, void**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE CompareIDs(LPARAM, LPCITEMIDLIST, LPCITEMIDLIST) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE CreateViewObject(HWND, REFIID, void**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetAttributesOf(UINT, LPCITEMIDLIST*, SFGAOF*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetDisplayNameOf(LPCITEMIDLIST, SHGDNF, LPSTRRET) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetDisplayNameOf(LPCITEMIDLIST, SHGDNF, STRRET*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE SetNameOf(HWND, LPCITEMIDLIST, LPCOLESTR, SHGDNF, LPITEMIDLIST*) override {
         return E_NOTIMPL;
     }
@@ -88,32 +88,18 @@ public:
 };
 
 // Puts `desktop` in place of the real desktop until the end of the scope, gives items the paths in `paths`, display
-// names like their own and an icon each, and counts icons that are alive. One at a time; every list that `module`
-// (null: the test executable) uses meanwhile must be a fake one. In the test executable it counts the blocks of the COM
-// task allocator too.
+// names like their own and an icon each, and counts icons and blocks of the COM task allocator that are alive. One at a
+// time; every list that the test executable uses meanwhile must be a fake one.
 class FakeShell {
 public:
-    explicit FakeShell(HMODULE module = nullptr);
-    ~FakeShell();
-    FakeShell(const FakeShell&) = delete;
-    FakeShell& operator=(const FakeShell&) = delete;
-
-    bool ok() const;
+    FakeShell();
 
     FakeFolder desktop;
     std::map<std::string, std::wstring> paths;
-    HRESULT desktopAnswer = S_OK;
     std::vector<UINT> infoFlags;  // of each query for an item's information
     LONG liveIcons = 0;
     LONG liveBlocks = 0;
 
 private:
-    static HRESULT WINAPI GetDesktop(IShellFolder** out);
-    static BOOL WINAPI GetPath(LPCITEMIDLIST item, wchar_t* path);
-    static DWORD_PTR WINAPI GetInfo(const wchar_t* item, DWORD, SHFILEINFOW* info, UINT, UINT flags);
-    static BOOL WINAPI EndIcon(HICON);
-    static void* WINAPI Allocate(SIZE_T bytes);
-    static void WINAPI Free(void* block);
-
-    IatPatch m_getDesktop, m_getPath, m_getInfo, m_endIcon, m_allocate, m_free;
+    const IatPatch m_patches[6];
 };

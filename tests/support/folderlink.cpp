@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "sysservices/handle.h"
+
 namespace {
 
 std::wstring HostName(const std::wstring& path) {
@@ -33,8 +35,7 @@ bool MakeFolderLink(const std::wstring& link, const std::wstring& target) {
     if (!CreateProcessW(L"\\\\?\\unix\\bin\\ln", command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process))
         return false;
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    const CHandle thread(process.hThread), child(process.hProcess);
     // The command is no process of this platform and cannot be waited for.
     for (int tries = 0; tries < 200 && !IsFolderLink(link); ++tries)
         Sleep(10);

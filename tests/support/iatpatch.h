@@ -9,6 +9,10 @@
 // across a loop. A replacement calls original<F>(), never the function by its name, which would be itself.
 class IatPatch {
 public:
+    // An import of the test executable from any DLL.
+    template <class F>
+    IatPatch(const char* function, F* replacement)
+        : IatPatch(nullptr, nullptr, function, reinterpret_cast<const void*>(replacement)) {}
     // `module` null means the test executable; `dll` null means an import from any DLL.
     IatPatch(HMODULE module, const char* dll, const char* function, const void* replacement);
     ~IatPatch();
