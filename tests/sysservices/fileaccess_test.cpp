@@ -4,205 +4,128 @@
 #include <gmock/gmock.h>
 #include <sddl.h>
 
-#include "sysservices/accesscontrollist.h"
-#include "sysservices/filedaclproc.h"
-#include "tests/support/allocguard.h"
+#include "sysservices/privilegecontext.h"
 #include "tests/support/iatpatch.h"
 #include "tests/support/tempfolder.h"
 
-using Security_Proc::CAccessControlList;
-using Security_Proc::CFileDaclProc;
-using testing::ElementsAre;
-using Log = std::vector<std::wstring>;
-
 namespace {
 
-struct LocalFreer {
-    void operator()(void* block) const { LocalFree(block); }
-};
+using Descriptor = std::unique_ptr<void, decltype(&LocalFree)>;
 
-std::unique_ptr<void, LocalFreer> FromSddl(const std::wstring& text, ULONG* size = nullptr) {
+Descriptor FromSddl(const std::wstring& text, ULONG* size = nullptr) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
     EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &descriptor, size));
-    return std::unique_ptr<void, LocalFreer>(descriptor);
+    return {descriptor, LocalFree};
 }
 
-std::wstring ToSddl(PSECURITY_DESCRIPTOR descriptor, SECURITY_INFORMATION which) {
-    wchar_t* text = nullptr;
-    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, which, &text, nullptr);
-    const std::unique_ptr<wchar_t, LocalFreer> owner(text);
-    return text ? text : L"no text";
-}
-
-// The security of one file, able to hold any DACL, and what was written to it.
-struct Store {
+// With the security of one file, able to hold any DACL, and what was written to it.
+struct FileAccess : testing::Test {
+    // Before the first test, since what the context holds stays alive after it.
+    static void SetUpTestSuite() {
+        const TempFolder folder;
+        EXPECT_FALSE(UnlockPath(folder.Write(L"file"))) << "nothing is granted before";
+        ASSERT_TRUE(EnablePrivileges(RestoreContext()));
+    }
     std::wstring sddl = L"D:(D;;FA;;;WD)(D;ID;FW;;;BU)(A;OICI;FR;;;BA)";
-    DWORD claimedExtra = 0;
-    int failingDaclWrites = 0;
-    bool failOwnerWrites = false;
-    Log written;
+    std::wstring refusals;  // for each write "1" to refuse it, "0" to take it; taken when there is none left
+    std::wstring written;
 };
-Store* g_store;
+FileAccess* g_store;
 
 BOOL WINAPI GetStored(LPCWSTR, SECURITY_INFORMATION, PSECURITY_DESCRIPTOR buffer, DWORD size, LPDWORD needed) {
     ULONG bytes = 0;
-    const auto descriptor = FromSddl(g_store->sddl, &bytes);
-    *needed = bytes + g_store->claimedExtra;
-    if (size < bytes) return FALSE;
-    memcpy(buffer, descriptor.get(), bytes);
-    return TRUE;
+    const Descriptor descriptor = FromSddl(g_store->sddl, &bytes);
+    *needed = 1u << 30;  // far more than the buffer that it is read into
+    return size >= bytes && memcpy(buffer, descriptor.get(), bytes);
 }
 
 BOOL WINAPI SetStored(LPCWSTR, SECURITY_INFORMATION which, PSECURITY_DESCRIPTOR descriptor) {
-    if (which != DACL_SECURITY_INFORMATION) {
-        g_store->written.push_back(std::to_wstring(which) + L" " + ToSddl(descriptor, OWNER_SECURITY_INFORMATION));
-        return !g_store->failOwnerWrites;
-    }
     PACL acl = nullptr;
     BOOL present = FALSE, defaulted = FALSE;
     GetSecurityDescriptorDacl(descriptor, &present, &acl, &defaulted);
-    g_store->written.push_back(present && !acl ? L"null" : ToSddl(descriptor, which));
-    return g_store->failingDaclWrites-- <= 0;
+    wchar_t* text = nullptr;
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION | OWNER_SECURITY_INFORMATION, &text, nullptr);
+    const Descriptor owner(text, LocalFree);
+    g_store->written += std::to_wstring(which) + (present && !acl ? L"null" : text) + L" ";
+    const bool refuse = g_store->refusals.starts_with(L"1");
+    g_store->refusals.erase(0, 1);
+    return !refuse;
 }
 
 BOOL WINAPI Refuse() {
     return FALSE;
 }
 
-decltype(&LookupAccountNameW) g_lookUp;
-BOOL WINAPI StrictLookUp(LPCWSTR system, LPCWSTR name, PSID sid, LPDWORD sidSize, LPWSTR domain, LPDWORD domainChars,
-                         PSID_NAME_USE use) {
-    EXPECT_EQ(*domainChars, 520u);
-    return g_lookUp(system, name, sid, sidSize, domain, domainChars, use);
-}
-
-// A file that everyone may read and nobody may delete.
-std::wstring MakeUndeletable(const TempFolder& folder) {
-    std::wstring file = folder.Write(L"protected file.log");
-    EXPECT_TRUE(SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, FromSddl(L"D:(A;;FR;;;WD)").get()));
-    EXPECT_FALSE(DeleteFileW(file.c_str()));
-    return file;
+// Takes that many requests, assigning nothing, and refuses the rest; which privileges were to be enabled.
+int g_requestsTaken = 0;
+std::string g_requested;
+BOOL WINAPI Adjust(HANDLE, BOOL, TOKEN_PRIVILEGES* wanted, DWORD, TOKEN_PRIVILEGES*, DWORD*) {
+    const auto& [luid, attributes] = wanted->Privileges[0];
+    if (attributes == SE_PRIVILEGE_ENABLED) g_requested += std::to_string(luid.LowPart) + " ";
+    SetLastError(ERROR_NOT_ALL_ASSIGNED);
+    return g_requestsTaken-- > 0;
 }
 
 }  // namespace
 
-// In a process of its own, and first in the file: the process-wide contexts are not ready yet.
-TEST(FileAccessNotReady, GrantsNothing) {
-    const TempFolder folder;
-    const std::wstring file = MakeUndeletable(folder);
-    EXPECT_FALSE(UnlockPath(file));
-    EXPECT_FALSE(DeleteFileW(file.c_str()));
-}
-
-class FileAccess : public testing::Test {
-protected:
-    // Before the first test, since what a context holds stays alive after it.
-    static void SetUpTestSuite() { ASSERT_TRUE(EnablePrivileges(RestoreContext())); }
-};
-
-TEST_F(FileAccess, UnlockedFileCanBeDeletedAndLackOfMemoryUnlocksNothing) {
-    const TempFolder folder;
-    const std::wstring file = MakeUndeletable(folder);
-    EXPECT_FALSE(GrantFullAccess(BackupContext(), file)) << "a context reads through its own buffer";
-    long long allocations = -1;
-    for (bool unlocked = false; !unlocked;) {
-        EXPECT_FALSE(DeleteFileW(file.c_str())) << "unlocked though " << allocations << " allocations do not do";
-        alloc_guard::FailAfter(++allocations);
-        unlocked = UnlockPath(file);
-        alloc_guard::FailAfter(-1);
+TEST(PrivilegeContext, EnablesItsPrivilegesAndCountsCallsRatherThanAssignments) {
+    const IatPatch adjust("AdjustTokenPrivileges", Adjust);
+    const struct {
+        bool backup;
+        int requestsTaken;
+        bool enabled, hasAdministrators;
+        const char* requested;
+    } rows[] = {{false, 0, false, false, "18 "},
+                {false, 1, true, false, "18 9 "},
+                {false, 2, true, true, "18 9 "},
+                {true, 2, true, false, "17 "}};
+    for (const auto& row : rows) {
+        PrivilegeContext context(row.backup);
+        g_requestsTaken = row.requestsTaken;
+        g_requested.clear();
+        EXPECT_EQ(EnablePrivileges(context) && context.scratch[3], row.enabled);
+        EXPECT_EQ(IsWellKnownSid(context.administrators.get(), WinBuiltinAdministratorsSid), row.hasAdministrators);
+        EXPECT_TRUE(!row.enabled || EnablePrivileges(context)) << "a ready context has nothing to ask for";
+        EXPECT_EQ(g_requested, row.requested);
+        EXPECT_TRUE(row.hasAdministrators || !TakeOwnership(context, L"C:\\windows"));
     }
-    EXPECT_GT(allocations, 5);
-    EXPECT_TRUE(DeleteFileW(file.c_str()));
-    EXPECT_FALSE(GrantFullAccess(RestoreContext(), file)) << "there is no such file any more";
 }
 
-class StoredFileAccess : public FileAccess {
-protected:
-    StoredFileAccess() { g_store = &m_store; }
-    void SetUp() override { ASSERT_TRUE(m_get.ok() && m_set.ok()); }
+TEST_F(FileAccess, UnlocksAFile) {
+    const TempFolder folder;
+    const std::wstring file = folder.Write(L"protected file.log");
+    ASSERT_TRUE(SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, FromSddl(L"D:(A;;FR;;;WD)").get()));
+    EXPECT_FALSE(GrantFullAccess(BackupContext(), file)) << "a context reads through its own buffer";
+    EXPECT_FALSE(DeleteFileW(file.c_str()));
+    EXPECT_TRUE(UnlockPath(file) && DeleteFileW(file.c_str()));
+}
 
-    Store m_store;
-    const std::wstring m_path = L"C:\\any";
-    const std::wstring m_forEveryone = m_store.sddl + L"(A;OICIID;0x101f0000;;;WD)";
+TEST_F(FileAccess, WritesTheExtendedDaclAndTakesOwnershipOnce) {
+    g_store = this;
+    const IatPatch get("GetFileSecurityW", GetStored), set("SetFileSecurityW", SetStored);
+    const std::wstring everyone = L"(A;OICIID;0x101f0000;;;WD) ", ownership = L"1O:BA ";
     // The SID is that of a Wine prefix's only user.
-    const std::wstring m_forBoth =
-        m_store.sddl + L"(A;OICIID;0x101f0000;;;S-1-5-21-0-0-0-1000)(A;OICIID;0x101f0000;;;WD)";
-    const IatPatch m_get{nullptr, nullptr, "GetFileSecurityW", reinterpret_cast<const void*>(&GetStored)};
-    const IatPatch m_set{nullptr, nullptr, "SetFileSecurityW", reinterpret_cast<const void*>(&SetStored)};
-};
-
-TEST_F(StoredFileAccess, AppendsUserAndEveryoneBehindTheOldEntries) {
-    const IatPatch strict(nullptr, nullptr, "LookupAccountNameW", reinterpret_cast<const void*>(&StrictLookUp));
-    g_lookUp = strict.original<decltype(g_lookUp)>();
-    EXPECT_TRUE(UnlockPath(m_path));
-    m_store.claimedExtra = 1u << 30;  // far more than the buffer that it was read into
-    EXPECT_TRUE(UnlockPath(m_path));
-    EXPECT_THAT(m_store.written, ElementsAre(m_forBoth, m_forBoth));
-}
-
-TEST_F(StoredFileAccess, FailuresDecideWhatIsWritten) {
+    const std::wstring both = L"4" + sddl + L"(A;OICIID;0x101f0000;;;S-1-5-21-0-0-0-1000)" + everyone;
     const struct {
         const char* refused;
-        bool granted;
-        Log written;
-    } cases[] = {
-        {"GetUserNameW", true, {m_forEveryone}}, {"LookupAccountNameW", true, {m_forEveryone}},
-        {"IsValidSid", true, {m_forEveryone}},   {"CreateWellKnownSid", false, {}},
-        {"GetAclInformation", true, {L"null"}},  {"GetSecurityDescriptorDacl", false, {}},
-    };
-    for (const auto& row : cases) {
-        m_store.written.clear();
-        const IatPatch refuse(nullptr, nullptr, row.refused, reinterpret_cast<const void*>(&Refuse));
-        ASSERT_TRUE(refuse.ok());
-        EXPECT_EQ(GrantFullAccess(RestoreContext(), m_path), row.granted) << row.refused;
-        EXPECT_EQ(m_store.written, row.written) << row.refused;
-    }
-    m_store.written.clear();
-    m_store.sddl = L"O:BA";  // no DACL at all
-    EXPECT_FALSE(GrantFullAccess(RestoreContext(), m_path));
-    EXPECT_TRUE(m_store.written.empty());
-}
-
-TEST_F(StoredFileAccess, TakesOwnershipOnceThenGrantsOnceMore) {
-    const struct {
-        int failingDaclWrites;
-        bool failOwnerWrites;
+        const wchar_t* refusals;
         bool unlocked;
-        Log written;
-    } cases[] = {
-        {0, false, true, {m_forBoth}},
-        {1, false, true, {m_forBoth, L"1 O:BA", m_forBoth}},
-        {2, false, false, {m_forBoth, L"1 O:BA", m_forBoth}},
-        {1, true, false, {m_forBoth, L"1 O:BA"}},
-    };
-    for (const auto& row : cases) {
-        m_store.written.clear();
-        m_store.failingDaclWrites = row.failingDaclWrites;
-        m_store.failOwnerWrites = row.failOwnerWrites;
-        EXPECT_EQ(UnlockPath(m_path), row.unlocked);
-        EXPECT_EQ(m_store.written, row.written);
+        std::wstring written;
+    } rows[] = {{"", L"100", true, both + ownership + both},
+                {"", L"101", false, both + ownership + both},
+                {"", L"11", false, both + ownership},
+                {"LookupAccountNameW", L"", true, L"4" + sddl + everyone},
+                {"GetAclInformation", L"", true, L"4null "},
+                {"CreateWellKnownSid", L"", false, ownership},
+                {"GetSecurityDescriptorDacl", L"", false, ownership}};
+    for (const auto& row : rows) {
+        written.clear();
+        refusals = row.refusals;
+        const IatPatch refuse(row.refused, Refuse);
+        EXPECT_EQ(UnlockPath(L"C:\\any"), row.unlocked) << row.refused;
+        EXPECT_EQ(written, row.written) << row.refused;
     }
-}
-
-TEST_F(StoredFileAccess, EditorsKeepTheirOddities) {
-    m_store.sddl = L"D:(A;;FR;;;BA)(D;;FA;;;BU)";
-    CFileDaclProc file(m_path, /*backupContext=*/false, /*readNow=*/true);
-    CAccessControlList list(file.GetDacl(), /*addCurrentUser=*/false, /*skipOldDeny=*/true);
-    EXPECT_TRUE(list.AddWellKnownSid(GENERIC_READ));
-    EXPECT_FALSE(list.AddAccount(L"no such account", GENERIC_ALL, nullptr));
-    const DWORD firstSize = list.GetAcl()->AclSize;
-    auto administrators = std::make_unique<BYTE[]>(SECURITY_MAX_SID_SIZE);
-    CopySid(SECURITY_MAX_SID_SIZE, administrators.get(), RestoreContext().administrators.get());
-    using Entry = CAccessControlList::CAccessEntry;
-    list.AddEntry(std::make_unique<Entry>(GENERIC_WRITE, std::move(administrators), Entry::Kind::Deny));
-    EXPECT_EQ(list.GetAcl()->AclSize, firstSize + 24) << "the old ACL counts once";
-    EXPECT_EQ(list.GetAcl()->AclRevision, ACL_REVISION_DS);
-    EXPECT_TRUE(file.SetDacl(list.GetAcl()));
-    EXPECT_TRUE(file.SetOwner(RestoreContext().administrators.get(), /*groupToo=*/true));
-    EXPECT_THAT(m_store.written, ElementsAre(L"D:(A;;FR;;;BA)(D;;GW;;;BA)(A;OICIID;GR;;;WD)", L"2 O:BA"));
-
-    CAccessControlList fresh(nullptr, /*addCurrentUser=*/false, /*skipOldDeny=*/false);
-    EXPECT_EQ(fresh.GetAcl(), nullptr);
-    EXPECT_TRUE(fresh.AddWellKnownSid(GENERIC_READ) && fresh.AddWellKnownSid(GENERIC_WRITE));
-    EXPECT_EQ(fresh.GetAcl()->AceCount, 1) << "no room for the header, so the last one does not fit";
+    sddl = L"O:BA";
+    EXPECT_FALSE(GrantFullAccess(RestoreContext(), L"C:\\any")) << "there is no DACL at all";
 }
