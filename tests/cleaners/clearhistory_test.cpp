@@ -3,10 +3,7 @@
 #include <gtest/gtest.h>
 #include <wininet.h>
 
-#include <string>
-
 #include "cleaners/garbageclearhistoryproc.h"
-#include "tests/support/allocguard.h"
 #include "tests/support/iatpatch.h"
 
 namespace {
@@ -36,12 +33,12 @@ BOOL WINAPI NextStuck(HANDLE, INTERNET_CACHE_ENTRY_INFOW*, DWORD* size) {
     return FALSE;
 }
 
-void Add(const std::wstring& url, DWORD type, DWORD headerChars = 10) {
+void Add(const wchar_t* url, DWORD type, DWORD headerChars) {
     wchar_t file[MAX_PATH] = {};
     std::wstring header(headerChars, L'h');
-    ASSERT_TRUE(CreateUrlCacheEntryW(url.c_str(), 0, L"htm", file, 0));
-    ASSERT_TRUE(CommitUrlCacheEntryW(url.c_str(), type == NORMAL_CACHE_ENTRY ? file : nullptr, {}, {}, type,
-                                     header.data(), headerChars, nullptr, nullptr));
+    ASSERT_TRUE(CreateUrlCacheEntryW(url, 0, L"htm", file, 0));
+    ASSERT_TRUE(CommitUrlCacheEntryW(url, type == NORMAL_CACHE_ENTRY ? file : nullptr, {}, {}, type, header.data(),
+                                     headerChars, nullptr, nullptr));
 }
 
 bool Has(const wchar_t* url) {
@@ -49,49 +46,32 @@ bool Has(const wchar_t* url) {
     return GetUrlCacheEntryInfoW(url, nullptr, &size) || GetLastError() == ERROR_INSUFFICIENT_BUFFER;
 }
 
-class ClearHistory : public testing::TestWithParam<bool> {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_create.ok() && m_close.ok());
-        g_create = &m_create;
-        g_close = &m_close;
-        for (int i = 0; i < 12; ++i)
-            Add(L"http://cleaner.test/" + std::to_wstring(i), NORMAL_CACHE_ENTRY);
-        Add(L"http://cleaner.test/large", NORMAL_CACHE_ENTRY, 20000);  // 40 KB
-        // These two also keep a walk from finding an empty cache, which it would have nothing to close for.
-        Add(L"Cookie:user@cleaner.test/", COOKIE_CACHE_ENTRY);
-        Add(L"Visited: user@http://cleaner.test/", URLHISTORY_CACHE_ENTRY);
-    }
-
-    GarbageXProc::CGarbageClearHistoryProc m_proc;
-    IatPatch m_create{nullptr, nullptr, "CoCreateInstance", reinterpret_cast<void*>(CountCreate)};
-    IatPatch m_close{nullptr, nullptr, "FindCloseUrlCache", reinterpret_cast<void*>(CountClose)};
-};
-
 // The prefix's own service refuses ClearHistory; to have reached it is enough.
-TEST_P(ClearHistory, DeletesOrdinaryEntriesInFivePasses) {
-    g_refuse = GetParam();
-    ASSERT_TRUE(Has(L"http://cleaner.test/large"));
-    EXPECT_EQ(m_proc.Run(1, 2, 3), !g_refuse);
-    EXPECT_EQ(g_creations, 5);
-    EXPECT_EQ(g_closed, 5);
-    for (const wchar_t* url : {L"http://cleaner.test/0", L"http://cleaner.test/11", L"http://cleaner.test/large"})
-        EXPECT_FALSE(Has(url)) << testing::PrintToString(url);
-    EXPECT_TRUE(Has(L"Cookie:user@cleaner.test/"));
-    EXPECT_TRUE(Has(L"Visited: user@http://cleaner.test/"));
-}
-INSTANTIATE_TEST_SUITE_P(WithAndWithoutService, ClearHistory, testing::Bool());
-
-TEST_F(ClearHistory, WalkThatCannotGoOnEnds) {
-    const IatPatch next(nullptr, nullptr, "FindNextUrlCacheEntryW", reinterpret_cast<void*>(NextStuck));
-    ASSERT_TRUE(next.ok());
-    EXPECT_TRUE(m_proc.Run(0, 0, 0));
-    EXPECT_EQ(g_stuck, 5);
-    alloc_guard::FailAfter(0);
-    const bool reached = m_proc.Run(0, 0, 0);
-    alloc_guard::FailAfter(-1);
-    EXPECT_TRUE(reached);
-    EXPECT_EQ(g_closed, 5);
+TEST(ClearHistory, DeletesOrdinaryEntriesInFivePasses) {
+    const IatPatch create("CoCreateInstance", CountCreate), close("FindCloseUrlCache", CountClose);
+    ASSERT_TRUE(create.ok() && close.ok());
+    g_create = &create;
+    g_close = &close;
+    // These two also keep a walk from finding an empty cache, which it would have nothing to close for.
+    constexpr const wchar_t *kCookie = L"Cookie:user@cleaner.test/", *kVisited = L"Visited: user@http://cleaner.test/";
+    Add(kCookie, COOKIE_CACHE_ENTRY, 10);
+    Add(kVisited, URLHISTORY_CACHE_ENTRY, 10);
+    const wchar_t* const urls[] = {L"http://cleaner.test/1", L"http://cleaner.test/2", L"http://cleaner.test/large"};
+    GarbageXProc::CGarbageClearHistoryProc proc;
+    for (const bool refuse : {true, false}) {
+        g_refuse = refuse;
+        g_creations = g_closed = 0;
+        for (const wchar_t* url : urls)
+            Add(url, NORMAL_CACHE_ENTRY, url == urls[2] ? 20000 : 10);  // the last takes 40 KB
+        EXPECT_EQ(proc.Run(1, 2, 3), !refuse);
+        EXPECT_TRUE(g_creations == 5 && g_closed == 5) << g_creations << " " << g_closed;
+        for (const wchar_t* url : urls)
+            EXPECT_FALSE(Has(url)) << testing::PrintToString(url);
+        EXPECT_TRUE(Has(kCookie) && Has(kVisited));
+    }
+    const IatPatch next("FindNextUrlCacheEntryW", NextStuck);
+    EXPECT_TRUE(proc.Run(0, 0, 0));
+    EXPECT_EQ(g_stuck, 5) << "a walk that cannot go on ends";
 }
 
 }  // namespace
