@@ -1,180 +1,201 @@
 #include <windows.h>
 
 #include <gmock/gmock.h>
-
-#include <cstring>
+#include <process.h>
 
 #include "dregsweep/companionservice.h"
+#include "dregsweep/idregsweep.h"
 #include "dregsweep/redirection.h"
 #include "dregsweep/restoreprivilege.h"
-#include "sysservices/handle.h"
-#include "tests/dregsweep/builtfiles.h"
+#include "rules/reference.h"
+#include "sysservices/text.h"
+#include "tests/dregsweep/fakecompanion.h"
 #include "tests/support/iatpatch.h"
+#include "tests/support/tempfolder.h"
 #include "tests/support/tracerecorder.h"
 
 namespace {
 
-using testing::ElementsAre;
+// The path of a file that the build puts beside the test executable.
+std::wstring BuiltFile(const wchar_t* name) {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    wcscpy(wcsrchr(path, L'\\') + 1, name);
+    return path;
+}
 
-// Redirection: what the replaced GetProcAddress answers for the two functions, and what these were given.
-bool g_present;
+// Copies a built file; returns the path of the copy.
+std::wstring CopyBuilt(const wchar_t* name, const std::wstring& copy) {
+    return CopyFileW(BuiltFile(name).c_str(), copy.c_str(), TRUE) ? copy : std::wstring();
+}
+
+template <class Function>
+Function ExportOf(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
 int g_lookups, g_reverts;
-void* g_old;
-void* g_reverted;
-const IatPatch* g_getProcAddress;
+void* g_saved;
 
-BOOL WINAPI FakeDisable(void** saved) {
-    *saved = g_old;
+BOOL WINAPI Disable(void** saved) {
+    *saved = g_saved;
     return TRUE;
 }
 
-BOOL WINAPI FakeRevert(void* saved) {
-    ++g_reverts;
-    g_reverted = saved;
+BOOL WINAPI Revert(void* saved) {
+    g_reverts += saved == g_saved ? 1 : 100;
     return TRUE;
 }
 
-FARPROC WINAPI FindFake(HMODULE module, const char* name) {
-    const bool disable = std::strcmp(name, "Wow64DisableWow64FsRedirection") == 0;
-    const bool revert = std::strcmp(name, "Wow64RevertWow64FsRedirection") == 0;
-    if (!disable && !revert) return g_getProcAddress->original<decltype(&GetProcAddress)>()(module, name);
+FARPROC WINAPI FindFake(HMODULE, const char* name) {
     ++g_lookups;
-    if (!g_present) return nullptr;
-    return reinterpret_cast<FARPROC>(disable ? reinterpret_cast<void*>(FakeDisable)
-                                             : reinterpret_cast<void*>(FakeRevert));
+    const bool disable = std::string_view(name) == "Wow64DisableWow64FsRedirection";
+    return reinterpret_cast<FARPROC>(disable ? reinterpret_cast<void*>(Disable) : reinterpret_cast<void*>(Revert));
 }
 
-class Redirection : public testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_patch.ok());
-        g_getProcAddress = &m_patch;
+TEST(Redirection, IsRevertedOnlyWhenSomethingWasSaved) {
+    const IatPatch patch("GetProcAddress", FindFake);
+    for (const int reverts : {0, 1, 2}) {
+        g_saved = reinterpret_cast<void*>(reverts * 0x1234567890);
+        { const CRedirectionOff off; }
+        EXPECT_EQ(g_reverts, reverts);
     }
-    IatPatch m_patch{nullptr, nullptr, "GetProcAddress", reinterpret_cast<void*>(FindFake)};
-};
-
-TEST_F(Redirection, IsRevertedOnlyWhenSomethingWasSaved) {
-    g_present = true;
-    { const CRedirectionOff nothingSaved; }
-    EXPECT_EQ(g_reverts, 0);
-    g_old = reinterpret_cast<void*>(0x1234567890);
-    for (int i = 1; i <= 2; ++i) {
-        {
-            const CRedirectionOff off;
-            EXPECT_EQ(g_reverts, i - 1);
-        }
-        EXPECT_EQ(g_reverts, i);
-    }
-    EXPECT_EQ(g_reverted, g_old);
-    EXPECT_EQ(g_lookups, 2);  // one for each function
+    EXPECT_EQ(g_lookups, 2) << "one for each function";
 }
 
-TEST_F(Redirection, MissingFunctionsAreLookedUpOnce) {
-    for (int i = 0; i < 2; ++i) {
-        uint64_t saved = 7;
-        EXPECT_FALSE(DisableRedirection(saved));
-        EXPECT_EQ(saved, 0u);
-        EXPECT_FALSE(RevertRedirection(7));
-    }
-    EXPECT_EQ(g_lookups, 2);
-}
+DWORD g_error;
 
-// The functions are there in a 64-bit process, and refuse.
-TEST(RedirectionIn64BitProcess, LeavesNothingToRevert) {
-    uint64_t saved = 7;
-    EXPECT_FALSE(DisableRedirection(saved));
-    EXPECT_EQ(saved, 0u);
-}
-
-BOOL WINAPI RefuseToken(HANDLE, DWORD, HANDLE*) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-void RemoveRestorePrivilege() {
-    CHandle token;
-    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, token.Put()));
-    TOKEN_PRIVILEGES privileges = {1, {{{}, SE_PRIVILEGE_REMOVED}}};
-    ASSERT_TRUE(LookupPrivilegeValueW(nullptr, L"SeRestorePrivilege", &privileges.Privileges[0].Luid));
-    ASSERT_TRUE(AdjustTokenPrivileges(token.get(), FALSE, &privileges, 0, nullptr, nullptr));
+BOOL WINAPI Answer() {
+    SetLastError(g_error);
+    return g_error != ERROR_ACCESS_DENIED;
 }
 
 TEST(RestorePrivilege, TracesOutcomeAndLastError) {
-    DWORD before = 0, after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
-    EnableRestorePrivilege();
-    RemoveRestorePrivilege();
-    EnableRestorePrivilege();  // not held, and still a success
-    {
-        const IatPatch patch(nullptr, nullptr, "OpenProcessToken", reinterpret_cast<void*>(RefuseToken));
-        ASSERT_TRUE(patch.ok());
+    for (const auto& [replaced, error] :
+         {std::pair("", 0UL), {"AdjustTokenPrivileges", 1300}, {"OpenProcessToken", 5}}) {
+        const IatPatch patch(replaced, Answer);
+        g_error = error;
         EnableRestorePrivilege();
     }
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    EXPECT_EQ(after, before);
-    EXPECT_THAT(TakeTraceLines(),
-                ElementsAre(L"[Dregsweep] EnableRestorePrivilege 1,0", L"[Dregsweep] EnableRestorePrivilege 1,1300",
-                            L"[Dregsweep] EnableRestorePrivilege 0,5"));
+    const std::wstring line = L"[Dregsweep] EnableRestorePrivilege ";
+    EXPECT_THAT(TakeTraceLines(), testing::ElementsAre(line + L"1,0", line + L"1,1300", line + L"0,5"));
 }
 
 int g_closed;
-const IatPatch* g_close;
 
-BOOL WINAPI CountClose(SC_HANDLE handle) {
-    const BOOL closed = g_close->original<decltype(&CloseServiceHandle)>()(handle);
-    g_closed += closed ? 1 : 0;
-    return closed;
+BOOL WINAPI CountClose(SC_HANDLE) {
+    ++g_closed;
+    return TRUE;
 }
 
-// What StartCompanionService answers; checks how many service handles it closed.
-bool Start(int expectedHandles) {
+// What StartCompanionService answers, and how many service handles it closed.
+std::pair<bool, int> Start() {
+    const IatPatch close("CloseServiceHandle", CountClose);
     g_closed = 0;
-    const IatPatch close(nullptr, nullptr, "CloseServiceHandle", reinterpret_cast<void*>(CountClose));
-    EXPECT_TRUE(close.ok());
-    g_close = &close;
     const bool started = StartCompanionService();
-    EXPECT_EQ(g_closed, expectedHandles);
-    return started;
+    return {started, g_closed};
 }
-
-class InstalledService {
-public:
-    explicit InstalledService(DWORD startType)
-        : m_manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)),
-          m_service(CreateServiceW(m_manager, L"zolkmsvc", nullptr, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
-                                   startType, SERVICE_ERROR_IGNORE, BuiltFile(L"fake_service.exe").c_str(), nullptr,
-                                   nullptr, nullptr, nullptr, nullptr)) {}
-    ~InstalledService() {
-        SERVICE_STATUS status = {};
-        ControlService(m_service, SERVICE_CONTROL_STOP, &status);
-        for (int i = 0; i < 100 && State() != SERVICE_STOPPED; ++i)
-            Sleep(20);
-        DeleteService(m_service);
-        CloseServiceHandle(m_service);
-        CloseServiceHandle(m_manager);
-    }
-    InstalledService(const InstalledService&) = delete;
-    InstalledService& operator=(const InstalledService&) = delete;
-    DWORD State() const {
-        SERVICE_STATUS status = {};
-        QueryServiceStatus(m_service, &status);
-        return status.dwCurrentState;
-    }
-
-private:
-    SC_HANDLE m_manager, m_service;
-};
 
 TEST(CompanionService, StartsOrCountsAsStarted) {
-    EXPECT_FALSE(Start(1)) << "not installed";
-    {
-        const InstalledService disabled(SERVICE_DISABLED);
-        EXPECT_FALSE(Start(2));
+    EXPECT_EQ(Start(), std::pair(false, 1)) << "not installed";
+    const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+    const SC_HANDLE service = CreateServiceW(
+        manager, L"zolkmsvc", nullptr, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DISABLED,
+        SERVICE_ERROR_IGNORE, BuiltFile(L"environment_child.exe").c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Start(), std::pair(false, 2)) << "disabled";
+    ChangeServiceConfigW(service, SERVICE_NO_CHANGE, SERVICE_DEMAND_START, SERVICE_NO_CHANGE, nullptr, nullptr, nullptr,
+                         nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Start(), std::pair(true, 2));
+    EXPECT_EQ(Start(), std::pair(true, 2)) << "already running";
+    SERVICE_STATUS status = {};
+    EXPECT_TRUE(ControlService(service, SERVICE_CONTROL_STOP, &status));
+    DeleteService(service);
+}
+
+void SetCrashDebugger(const std::wstring& command) {
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\Windows NT\\CurrentVersion\\AeDebug", L"Debugger",
+                    REG_SZ, command.c_str(), static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
+}
+
+TEST(CrashDump, StandsBesideTheExecutableOfTheProcess) {
+    const TempFolder folder;
+    const std::wstring library = CopyBuilt(L"Dregsweep.dll", folder / L"Dregsweep.dll");
+    // What the system does with an exception that the filter leaves to it.
+    SetCrashDebugger(L"cmd /c mkdir \"" + folder / L"debugged" + L"\"");
+    for (const bool nameTaken : {false, true}) {
+        const TempFolder host;
+        if (nameTaken) host.MakeFolder(L"dsw.dmp");
+        const std::wstring executable = CopyBuilt(L"environment_child.exe", host / L"host.exe");
+        const intptr_t exitCode = _wspawnl(_P_WAIT, executable.c_str(), L"host", library.c_str(), nullptr);
+        EXPECT_EQ(static_cast<DWORD>(exitCode), 0xE0445357);
+        EXPECT_EQ(folder.Has(L"debugged"), nameTaken);
+        EXPECT_TRUE(nameTaken || ReadFileBytes(host / L"dsw.dmp").starts_with("MDMP"));
     }
-    const InstalledService service(SERVICE_DEMAND_START);
-    EXPECT_TRUE(Start(2));
-    EXPECT_EQ(service.State(), DWORD{SERVICE_RUNNING});
-    EXPECT_TRUE(Start(2)) << "already running";
+    SetCrashDebugger(L"winedbg --auto %ld %ld");
+}
+
+LONG WINAPI ForeignFilter(EXCEPTION_POINTERS*) {
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+TEST(CrashDump, UnloadTakesBackOnlyItsOwnFilter) {
+    FreeLibrary(LoadLibraryW(L"Dregsweep.dll"));
+    EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), nullptr);
+    const HMODULE library = LoadLibraryW(L"Dregsweep.dll");
+    EXPECT_TRUE(SetUnhandledExceptionFilter(ForeignFilter));
+    ASSERT_TRUE(FreeLibrary(library));
+    EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), &ForeignFilter);
+}
+
+// The delivered module with an engine of its own, in a folder for companions.
+struct Module {
+    uint64_t Init() {
+        const auto config = folder.Write(L"rules.xml", R"(<R><AppCategoryInfo Name="a" CatagoryType="0" SelState="2"/>
+            <AppCategoryInfo Name="b" CatagoryType="1" SelState="2"/>
+            <AppCategoryInfo Name="c" CatagoryType="2" SelState="1"/>
+            <AppCategoryInfo Name="d" CatagoryType="2" SelState="0"/></R>)");
+        return engine->Init(config.c_str(), L"", nullptr);
+    }
+    FakeCompanionRecord& Record(const std::wstring& library) {
+        return *ExportOf<FakeCompanionRecord*>(GetModuleHandleW((folder / library).c_str()), "g_record");
+    }
+    const TempFolder folder;
+    CReference<IDregsweep> engine{ExportOf<DregsweepFactory>(
+        LoadLibraryW(CopyBuilt(L"Dregsweep.dll", folder / L"Dregsweep.dll").c_str()), "GetImp")()};
+};
+
+TEST(Companion, UsageEventsReachTheLibraryBesideTheModule) {
+    for (const CString names : {L"", L"kxaide64.dll", L"kxaide.dll", L"kxaide64.dll|kxaide.dll"}) {
+        Module module;
+        const auto libraries = Split(names, L"|");  // the first is used
+        for (const CString& name : libraries)
+            CopyBuilt(L"fake_companion.dll", module.folder / name);
+        EXPECT_EQ(module.Init(), 0u);
+        for (int round = 0; round < 3; ++round)
+            EXPECT_TRUE(module.engine->Gather(nullptr) && module.engine->Clean(nullptr));
+        if (libraries.empty()) continue;
+        const FakeCompanionRecord& record = module.Record(libraries.front());
+        EXPECT_THAT(record.events, testing::ElementsAre(0x11003, 0x11004, 0x11003, 0x11004, 0, 0, 0, 0));
+        EXPECT_EQ(record.factoryCalls, 3u);
+        EXPECT_FALSE(libraries.size() > 1 && GetModuleHandleW((module.folder / libraries[1]).c_str()));
+    }
+}
+
+TEST(Companion, StartUpCodeComesThroughAndRunsAreTold) {
+    Module module;
+    EXPECT_EQ(module.Init(), 0u) << "there is no companion";
+    module.engine->Uninit();
+    CopyBuilt(L"fake_companion.dll", module.folder / L"Tallyhost.dll");
+    ASSERT_TRUE(SetCurrentDirectoryW(module.folder.path().c_str()));
+    EXPECT_EQ(module.Init(), kStartCode);
+    EXPECT_EQ(module.Init(), 0u);
+    const FakeCompanionRecord& record = module.Record(L"Tallyhost.dll");
+    EXPECT_TRUE(record.alive == 1 && record.runs == 0);
+    EXPECT_TRUE(module.engine->Gather(nullptr) && module.engine->Clean(nullptr));
+    EXPECT_EQ(record.runs, 2u);
+    module.engine->Uninit();
+    EXPECT_EQ(record.alive, 0u);
+    SetCurrentDirectoryW(L"C:\\");
 }
 
 }  // namespace

@@ -1,61 +1,34 @@
 #include "tests/dregsweep/fakecompanion.h"
 
-#include <stdexcept>
-
 #include "dregsweep/icompanionobject.h"
-#include "dregsweep/iusageevents.h"
+
+__declspec(dllexport) FakeCompanionRecord g_record;
 
 namespace {
 
-FakeCompanionRecord g_record;
+// The table of the usage-event object, written out: its ninth operation is the one to be used.
+using Operation = void (*)(const void*, uint32_t);
+void SendEvent(const void*, uint32_t code) {
+    g_record.events[g_record.eventCount++ % 8] = code;
+    if (code == 0x11003) throw 1;
+}
+constexpr Operation kTable[] = {{}, {}, {}, {}, {}, {}, {}, {}, SendEvent};
+const Operation* g_events = kTable;
 
-class CFakeEvents final : public IUsageEvents {
-    void Reserved1() override { ++g_record.strayCalls; }
-    void Reserved2() override { ++g_record.strayCalls; }
-    void Reserved3() override { ++g_record.strayCalls; }
-    void Reserved4() override { ++g_record.strayCalls; }
-    void Reserved5() override { ++g_record.strayCalls; }
-    void Reserved6() override { ++g_record.strayCalls; }
-    void Reserved7() override { ++g_record.strayCalls; }
-    void Reserved8() override { ++g_record.strayCalls; }
-    void SendEvent(uint32_t code) override {
-        ++g_record.eventCount;
-        g_record.lastEvent = code;
-        if (code == kEventThatThrows) throw std::runtime_error("refused");
-    }
+struct CFakeCompanion : ICompanionObject {
+    CFakeCompanion() { ++g_record.alive; }
+    ~CFakeCompanion() override { --g_record.alive; }
+    uint64_t Start() override { return g_record.starts++ == 0 ? kStartCode : 0; }
+    void BeginRun() override { throw ++g_record.runs; }
 };
-
-class CFakeCompanion : public ICompanionObject {
-    uint64_t Start() override { return kStartCode; }
-    void BeginRun() override { ++g_record.runs; }
-};
-
-CFakeEvents g_events;
 
 }  // namespace
 
-extern "C" {
-
-__declspec(dllexport) FakeCompanionRecord* Recorded() {
-    return &g_record;
+extern "C" __declspec(dllexport) const void* GetTolvane() {
+    if (++g_record.factoryCalls == 2) throw 1;
+    return g_record.factoryCalls == 1 ? nullptr : &g_events;
 }
 
-__declspec(dllexport) IUsageEvents* GetTolvane() {
-    switch (++g_record.factoryCalls) {
-        case 1:
-            return nullptr;
-        case 2:
-            throw std::runtime_error("not yet");
-        default:
-            return &g_events;
-    }
-}
-
-__declspec(dllexport) ICompanionObject* GetImp() {
+extern "C" __declspec(dllexport) ICompanionObject* GetImp() {
     return new CFakeCompanion;
-}
-
-__declspec(dllexport) ICompanionObject* GetThrowing() {
-    throw 1;
-}
 }

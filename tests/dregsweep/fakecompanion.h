@@ -2,14 +2,14 @@
 
 #include <cstdint>
 
-// What fake_companion.dll, under whatever name it was loaded, was asked for; its export Recorded answers it.
+// What fake_companion.dll, under whatever name it was loaded, was asked for; exported as g_record.
 struct FakeCompanionRecord {
     uint32_t factoryCalls;  // of GetTolvane: the first answers null, the second throws
-    uint32_t strayCalls;    // of reserved operations
+    uint32_t events[8];
     uint32_t eventCount;
-    uint32_t lastEvent;
-    uint32_t runs;
+    uint32_t starts;  // the first answers kStartCode, the others 0
+    uint32_t runs;    // told by BeginRun, which throws
+    uint32_t alive;   // companion objects
 };
 
-inline constexpr uint32_t kEventThatThrows = 0xDEAD;
 inline constexpr uint64_t kStartCode = 0x123456789A;
