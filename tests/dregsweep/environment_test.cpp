@@ -7,7 +7,7 @@
 #include "dregsweep/idregsweep.h"
 #include "dregsweep/redirection.h"
 #include "dregsweep/restoreprivilege.h"
-#include "rules/reference.h"
+#include "sysservices/reference.h"
 #include "sysservices/text.h"
 #include "tests/dregsweep/fakecompanion.h"
 #include "tests/support/iatpatch.h"
