@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(wine wine64 g++-mingw-w64-x86-64-posix cmake ninja-build ccache googletest dpkg-dev patch libcli11-dev
-    bsdutils libxml2-utils)
+    nlohmann-json3-dev bsdutils libxml2-utils)
 deps=build/deps
 
 as_root() {
