@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "tests/support/tempfolder.h"
-
 // The path of a file that the build puts beside the test executable.
 inline std::wstring BuiltFile(const wchar_t* name) {
     wchar_t path[MAX_PATH] = {};
@@ -14,9 +12,8 @@ inline std::wstring BuiltFile(const wchar_t* name) {
     return self.substr(0, self.rfind(L'\\') + 1) + name;
 }
 
-// Copies a built file into the folder under a new name; returns its full path there.
-inline std::wstring CopyBuilt(const wchar_t* name, const TempFolder& folder, const wchar_t* newName) {
-    std::wstring copy = folder / newName;
+// Copies a built file; returns the path of the copy, empty when that failed.
+inline std::wstring CopyBuilt(const wchar_t* name, const std::wstring& copy) {
     return CopyFileW(BuiltFile(name).c_str(), copy.c_str(), TRUE) ? copy : std::wstring();
 }
 

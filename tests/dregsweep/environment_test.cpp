@@ -9,30 +9,13 @@
 #include "dregsweep/restoreprivilege.h"
 #include "sysservices/reference.h"
 #include "sysservices/text.h"
+#include "tests/dregsweep/builtfiles.h"
 #include "tests/dregsweep/fakecompanion.h"
 #include "tests/support/iatpatch.h"
 #include "tests/support/tempfolder.h"
 #include "tests/support/tracerecorder.h"
 
 namespace {
-
-// The path of a file that the build puts beside the test executable.
-std::wstring BuiltFile(const wchar_t* name) {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    wcscpy(wcsrchr(path, L'\\') + 1, name);
-    return path;
-}
-
-// Copies a built file; returns the path of the copy.
-std::wstring CopyBuilt(const wchar_t* name, const std::wstring& copy) {
-    return CopyFileW(BuiltFile(name).c_str(), copy.c_str(), TRUE) ? copy : std::wstring();
-}
-
-template <class Function>
-Function ExportOf(HMODULE module, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
 
 int g_lookups, g_reverts;
 void* g_saved;

@@ -273,8 +273,8 @@ TEST(UpgradeHost, DISABLED_CountsCategories) {
 
 TEST(UpgradeHost, TakesItsFilesFromBesideTheExecutable) {
     const TempFolder folder;
-    const std::wstring host = CopyBuilt(L"services_tests.exe", folder, L"host.exe");
-    ASSERT_FALSE(CopyBuilt(L"Dregsweep.dll", folder, L"Dregsweep.dll").empty() || host.empty());
+    const std::wstring host = CopyBuilt(L"services_tests.exe", folder / L"host.exe");
+    ASSERT_FALSE(CopyBuilt(L"Dregsweep.dll", folder / L"Dregsweep.dll").empty() || host.empty());
     const auto count = [&] {
         std::wstring command = L"host.exe --gtest_also_run_disabled_tests --gtest_filter=UpgradeHost.DISABLED_*";
         STARTUPINFOW startup = {};
