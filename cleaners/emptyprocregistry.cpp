@@ -1,5 +1,6 @@
 #include "cleaners/emptyprocregistry.h"
 
+#include "cleaners/emptyprocname.h"
 #include "cleaners/garbageclearhistoryproc.h"
 
 namespace {
@@ -10,7 +11,7 @@ constinit CEmptyProcEntry* g_tail = nullptr;
 
 // The registered procedures. They stand here and not beside their classes because the linker drops those object files
 // of a static library that nothing refers to.
-CEmptyProcEntry g_clearHistory(L"NT_ClearHistory", GarbageXProc::CreateClearHistoryProc);
+CEmptyProcEntry g_clearHistory(kClearHistoryName, GarbageXProc::CreateClearHistoryProc);
 
 }  // namespace
 

@@ -1,3 +1,4 @@
+#include "host/checkcommand.h"
 #include "host/cleancommand.h"
 #include "host/gathercommand.h"
 #include "host/listcommand.h"
@@ -16,6 +17,7 @@ void AddCommands(CLI::App& app, CommandAction& action) {
     AddListCommand(app, action);
     AddGatherCommand(app, action);
     AddCleanCommand(app, action);
+    AddCheckCommand(app, action);
 }
 
 // Help and the version are for the standard output and no error; everything else is wrong usage, told in one line.

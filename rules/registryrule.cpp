@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "rules/rootkeyname.h"
 #include "sysservices/registrykey.h"
 
 namespace {
@@ -54,10 +55,9 @@ void DeleteValuesOfSubKeys(const RegistryRule& rule) {
 
 HKEY RootKeyByName(const char* name) noexcept {
     if (!name) return nullptr;
-    if (std::strcmp(name, "HKLM") == 0) return HKEY_LOCAL_MACHINE;
-    if (std::strcmp(name, "HKCU") == 0) return HKEY_CURRENT_USER;
-    if (std::strcmp(name, "HKCR") == 0) return HKEY_CLASSES_ROOT;
-    if (std::strcmp(name, "HKUR") == 0) return HKEY_USERS;
+    for (const RootKeyName& known : kRootKeyNames) {
+        if (std::strcmp(name, known.name) == 0) return known.root;
+    }
     return nullptr;
 }
 

@@ -1,0 +1,32 @@
+#pragma once
+
+// How much a finding weighs. Only errors make the check fail.
+enum class CheckSeverity { Error, Warning, Note };
+
+// A kind of finding. Its name is stable: scripts and editors know it.
+struct CheckCode {
+    const wchar_t* name;
+    CheckSeverity severity;
+};
+
+// Every code; docs/rules.md explains them, docs/dsw-check.schema.json lists them.
+namespace CheckCodes {
+
+// The file
+inline constexpr CheckCode kCannotRead{L"cannot-read", CheckSeverity::Error};
+inline constexpr CheckCode kNotWellFormed{L"not-well-formed", CheckSeverity::Error};
+inline constexpr CheckCode kEncoding{L"encoding", CheckSeverity::Warning};
+
+// The schema
+inline constexpr CheckCode kNoCategory{L"no-category", CheckSeverity::Error};
+inline constexpr CheckCode kUnknownElement{L"unknown-element", CheckSeverity::Error};
+inline constexpr CheckCode kMisplacedElement{L"misplaced-element", CheckSeverity::Error};
+inline constexpr CheckCode kUnknownAttribute{L"unknown-attribute", CheckSeverity::Error};
+inline constexpr CheckCode kMissingAttribute{L"missing-attribute", CheckSeverity::Error};
+inline constexpr CheckCode kWrongType{L"wrong-type", CheckSeverity::Error};
+inline constexpr CheckCode kUnknownRoot{L"unknown-root", CheckSeverity::Error};
+inline constexpr CheckCode kUnknownCleaner{L"unknown-cleaner", CheckSeverity::Error};
+inline constexpr CheckCode kStrayText{L"stray-text", CheckSeverity::Warning};
+inline constexpr CheckCode kNameForm{L"name-form", CheckSeverity::Note};
+
+}  // namespace CheckCodes

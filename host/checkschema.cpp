@@ -1,0 +1,170 @@
+#include "host/checkschema.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+#include "host/checknearest.h"
+#include "host/checkvalue.h"
+#include "sysservices/text.h"
+
+namespace {
+
+struct AttributeShape {
+    const char* name;
+    CheckType type;
+    bool required = false;
+};
+
+struct ElementShape {
+    const char* name;
+    std::span<const AttributeShape> attributes;
+    std::span<const ElementShape* const> children;
+};
+
+using enum CheckType;
+
+constexpr AttributeShape kStepAttributes[] = {
+    {"Path", Text}, {"AddPath", Text}, {"TerminalPath", Text}, {"ExactMatch", Flag}};
+constexpr AttributeShape kExclusionAttributes[] = {{"Path", Text, true}, {"ExactMatch", Flag}, {"Iteration", Flag}};
+constexpr AttributeShape kRuleAttributes[] = {
+    {"SelState", SelState}, {"FolderEnvDir", Text},   {"FolderX86EnvDir", Text}, {"FolderIndex", FolderIndex},
+    {"Path", Text},         {"GetByReg", Flag},       {"IsFolder", Flag},        {"Iteration", Flag},
+    {"Filter", Text},       {"ExcludeFilter", Text},  {"SelfExclude", Flag},     {"LoopPath", Flag},
+    {"ExcludePath", Flag},  {"UseShellBrowse", Flag}, {"EmptyProc", EmptyProc},  {"Registry", Flag},
+    {"RootKey", RootKey},   {"KeyPath", Text},        {"Value", Text},           {"DelKey", Flag}};
+constexpr AttributeShape kGarbageAttributes[] = {
+    {"Name", Text, true}, {"ResID", Key}, {"SelState", SelState}, {"CatagoryID", Integer}};
+constexpr AttributeShape kAppAttributes[] = {{"Name", Text, true},         {"ResID", Key},    {"SelState", SelState},
+                                             {"LargeIcon", Integer},       {"Icon", Text},    {"InBuildProgram", Flag},
+                                             {"ProductName", ProductName}, {"LockFile", Text}};
+constexpr AttributeShape kCategoryAttributes[] = {{"Name", Text, true},   {"ResID", Key},
+                                                  {"SelState", SelState}, {"LargeIcon", Integer},
+                                                  {"Icon", Text},         {"CatagoryType", CatagoryType}};
+
+constexpr ElementShape kStep{"LoopPath", kStepAttributes, {}};
+constexpr ElementShape kExclusion{"ExcludePath", kExclusionAttributes, {}};
+constexpr const ElementShape* kRuleChildren[] = {&kStep, &kExclusion};
+constexpr ElementShape kRule{"GarbageInfo", kRuleAttributes, kRuleChildren};
+constexpr const ElementShape* kXpChildren[] = {&kRule};
+constexpr ElementShape kXp{"XP", {}, kXpChildren};
+constexpr const ElementShape* kGarbageChildren[] = {&kRule, &kXp};
+constexpr ElementShape kGarbage{"GarbageCatagory", kGarbageAttributes, kGarbageChildren};
+constexpr const ElementShape* kAppChildren[] = {&kGarbage};
+constexpr ElementShape kApp{"AppInfo", kAppAttributes, kAppChildren};
+constexpr const ElementShape* kCategoryChildren[] = {&kApp};
+constexpr ElementShape kCategory{"AppCategoryInfo", kCategoryAttributes, kCategoryChildren};
+constexpr const ElementShape* kRootChildren[] = {&kCategory};
+constexpr ElementShape kRoot{"Rules", {}, kRootChildren};
+
+constexpr const ElementShape* kAllShapes[] = {&kRoot, &kCategory, &kApp, &kGarbage, &kXp, &kRule, &kStep, &kExclusion};
+
+std::vector<std::wstring> NamesOf(const auto& shapes) {
+    std::vector<std::wstring> names;
+    for (const auto& shape : shapes) {
+        if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(shape)>>)
+            names.push_back(Utf8ToWide(shape->name));
+        else
+            names.push_back(Utf8ToWide(shape.name));
+    }
+    return names;
+}
+
+class CSchemaCheck {
+public:
+    explicit CSchemaCheck(CCheckFindings& findings) : m_findings(findings) {}
+
+    void CheckElement(const TiXmlElement& element, const ElementShape& shape) {
+        for (const TiXmlAttribute* at = element.FirstAttribute(); at; at = at->Next())
+            CheckAttribute(*at, shape);
+        for (const AttributeShape& attribute : shape.attributes)
+            CheckRequired(element, attribute);
+        for (const TiXmlNode* child = element.FirstChild(); child; child = child->NextSibling())
+            CheckChild(*child, shape);
+        CheckSecondXp(element);
+    }
+
+private:
+    void CheckAttribute(const TiXmlAttribute& attribute, const ElementShape& shape) {
+        if (&shape == &kRoot && IsSchemaReference(attribute)) return;
+        const auto known = std::find_if(shape.attributes.begin(), shape.attributes.end(), [&](const auto& candidate) {
+            return std::strcmp(candidate.name, attribute.Name()) == 0;
+        });
+        const std::wstring name = Utf8ToWide(attribute.Name());
+        if (known == shape.attributes.end()) {
+            m_findings.Add(CheckCodes::kUnknownAttribute, attribute,
+                           L"<" + Utf8ToWide(shape.name) + L"> has no attribute \"" + name + L"\""
+                               + NearestHint(name, NamesOf(shape.attributes)));
+        } else if (const auto fault = FindValueFault(known->type, attribute.Value())) {
+            m_findings.Add(fault->code, attribute,
+                           name + L"=\"" + Utf8ToWide(attribute.Value()) + L"\" " + fault->message);
+        }
+    }
+
+    void CheckRequired(const TiXmlElement& element, const AttributeShape& attribute) {
+        if (!attribute.required || element.Attribute(attribute.name)) return;
+        // Only an exclusion may lack its own and cost no more than itself.
+        const bool costsFile = std::strcmp(attribute.name, "Name") == 0;
+        m_findings.Add(CheckCodes::kMissingAttribute, element,
+                       L"<" + Utf8ToWide(element.Value()) + L"> has no \"" + Utf8ToWide(attribute.name)
+                           + (costsFile ? L"\", the engine refuses the whole file" : L"\", the engine ignores it"));
+    }
+
+    void CheckChild(const TiXmlNode& node, const ElementShape& parent) {
+        if (node.ToText()) {
+            m_findings.Add(CheckCodes::kStrayText, node, L"text between the elements is ignored");
+        } else if (const TiXmlElement* child = node.ToElement()) {
+            const ElementShape* shape = FindChildShape(*child, parent);
+            if (shape)
+                CheckElement(*child, *shape);
+            else
+                ReportUnknown(*child, parent);
+        }
+    }
+
+    // The two children of a rule are known in any case, as the engine has it.
+    const ElementShape* FindChildShape(const TiXmlElement& child, const ElementShape& parent) {
+        for (const ElementShape* shape : parent.children) {
+            if (std::strcmp(shape->name, child.Value()) == 0) return shape;
+            if (&parent != &kRule || _stricmp(shape->name, child.Value()) != 0) continue;
+            m_findings.Add(CheckCodes::kNameForm, child, L"the usual form of this name is " + Utf8ToWide(shape->name));
+            return shape;
+        }
+        return nullptr;
+    }
+
+    void ReportUnknown(const TiXmlElement& child, const ElementShape& parent) {
+        const std::wstring name = Utf8ToWide(child.Value());
+        const bool isKnown = std::any_of(std::begin(kAllShapes), std::end(kAllShapes), [&](const ElementShape* shape) {
+            return std::strcmp(shape->name, child.Value()) == 0;
+        });
+        const std::wstring where = L"<" + name + L"> is ignored in <" + Utf8ToWide(parent.name) + L">";
+        if (isKnown)
+            m_findings.Add(CheckCodes::kMisplacedElement, child, where);
+        else
+            m_findings.Add(CheckCodes::kUnknownElement, child, where + NearestHint(name, NamesOf(parent.children)));
+    }
+
+    void CheckSecondXp(const TiXmlElement& element) {
+        const TiXmlElement* first = element.FirstChildElement(kXp.name);
+        const TiXmlElement* second = first ? first->NextSiblingElement(kXp.name) : nullptr;
+        if (second) m_findings.Add(CheckCodes::kMisplacedElement, *second, L"of several <XP> only the first is read");
+    }
+
+    CCheckFindings& m_findings;
+};
+
+}  // namespace
+
+void CheckRuleSchema(const TiXmlElement& root, CCheckFindings& findings) {
+    if (std::strcmp(root.Value(), kRoot.name) != 0)
+        findings.Add(CheckCodes::kNameForm, root, L"the usual name of the root is " + Utf8ToWide(kRoot.name));
+    if (!root.FirstChildElement(kCategory.name))
+        findings.Add(CheckCodes::kNoCategory, root, L"there is no <AppCategoryInfo>, so there is nothing to load");
+    CSchemaCheck(findings).CheckElement(root, kRoot);
+}
+
+bool IsSchemaReference(const TiXmlAttribute& attribute) {
+    const std::string_view name = attribute.Name();
+    return name == "xmlns:xsi" || name == "xsi:noNamespaceSchemaLocation";
+}
