@@ -29,4 +29,11 @@ inline constexpr CheckCode kUnknownCleaner{L"unknown-cleaner", CheckSeverity::Er
 inline constexpr CheckCode kStrayText{L"stray-text", CheckSeverity::Warning};
 inline constexpr CheckCode kNameForm{L"name-form", CheckSeverity::Note};
 
+// The texts
+inline constexpr CheckCode kNoTable{L"no-table", CheckSeverity::Error};
+inline constexpr CheckCode kKeyWithoutEntry{L"key-without-entry", CheckSeverity::Warning};
+inline constexpr CheckCode kEmptyEntry{L"empty-entry", CheckSeverity::Warning};
+inline constexpr CheckCode kDuplicateEntry{L"duplicate-entry", CheckSeverity::Warning};
+inline constexpr CheckCode kUnusedEntry{L"unused-entry", CheckSeverity::Note};
+
 }  // namespace CheckCodes

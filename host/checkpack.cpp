@@ -1,9 +1,11 @@
 #include "host/checkpack.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "host/checkfile.h"
 #include "host/checkschema.h"
+#include "host/checktext.h"
 
 namespace {
 
@@ -12,20 +14,49 @@ void AppendByLine(std::vector<CheckFinding>& all, const CCheckFindings& findings
     std::stable_sort(begin, all.end(), [](const auto& a, const auto& b) { return a.line < b.line; });
 }
 
-void CheckRuleFile(const std::wstring& path, CCheckFindings& findings) {
+// The text file of a pack while the rule files are checked against it.
+class CTextFileCheck {
+public:
+    explicit CTextFileCheck(const std::wstring& path) : m_findings(path) {
+        if (!path.empty() && LoadCheckedFile(path, m_document, m_findings))
+            m_texts.emplace(*m_document.RootElement(), m_findings);
+    }
+
+    void CheckKeys(const TiXmlElement& rules, CCheckFindings& findings) {
+        if (m_texts) m_texts->CheckKeys(rules, findings);
+    }
+    const CCheckFindings& Finish(bool allRulesRead) {
+        if (m_texts && allRulesRead) m_texts->CheckUnused(m_findings);
+        return m_findings;
+    }
+
+private:
+    CCheckFindings m_findings;
+    TiXmlDocument m_document;
+    std::optional<CCheckedTexts> m_texts;
+};
+
+// False when the file cannot be read.
+bool CheckRuleFile(const std::wstring& path, CTextFileCheck& texts, CCheckFindings& findings) {
     TiXmlDocument document;
-    if (!LoadCheckedFile(path, document, findings)) return;
-    CheckRuleSchema(*document.RootElement(), findings);
+    if (!LoadCheckedFile(path, document, findings)) return false;
+    const TiXmlElement& root = *document.RootElement();
+    CheckRuleSchema(root, findings);
+    texts.CheckKeys(root, findings);
+    return true;
 }
 
 }  // namespace
 
-std::vector<CheckFinding> CheckPack(const std::vector<std::wstring>& ruleFiles, const std::wstring& /*textFile*/) {
+std::vector<CheckFinding> CheckPack(const std::vector<std::wstring>& ruleFiles, const std::wstring& textFile) {
     std::vector<CheckFinding> all;
+    CTextFileCheck texts(textFile);
+    bool allRulesRead = true;
     for (const std::wstring& path : ruleFiles) {
         CCheckFindings findings(path);
-        CheckRuleFile(path, findings);
+        allRulesRead &= CheckRuleFile(path, texts, findings);
         AppendByLine(all, findings);
     }
+    AppendByLine(all, texts.Finish(allRulesRead));
     return all;
 }
