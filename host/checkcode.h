@@ -36,4 +36,11 @@ inline constexpr CheckCode kEmptyEntry{L"empty-entry", CheckSeverity::Warning};
 inline constexpr CheckCode kDuplicateEntry{L"duplicate-entry", CheckSeverity::Warning};
 inline constexpr CheckCode kUnusedEntry{L"unused-entry", CheckSeverity::Note};
 
+// Dangerous rules
+inline constexpr CheckCode kDriveRoot{L"drive-root", CheckSeverity::Error};
+inline constexpr CheckCode kWholeFolder{L"whole-folder", CheckSeverity::Error};
+inline constexpr CheckCode kRelativeLocation{L"relative-location", CheckSeverity::Error};
+inline constexpr CheckCode kProgramFolder{L"program-folder", CheckSeverity::Warning};
+inline constexpr CheckCode kAllValues{L"all-values", CheckSeverity::Warning};
+
 }  // namespace CheckCodes

@@ -1,8 +1,10 @@
 #include "host/checkpack.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 
+#include "host/checkdanger.h"
 #include "host/checkfile.h"
 #include "host/checkschema.h"
 #include "host/checktext.h"
@@ -36,12 +38,25 @@ private:
     std::optional<CCheckedTexts> m_texts;
 };
 
+// The rules of a file, wherever they stand.
+void CheckRules(const TiXmlElement& element, CCheckFindings& findings) {
+    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        if (std::strcmp(child->Value(), "GarbageInfo") == 0) {
+            const CheckedRule rule(*child);
+            CheckDanger(rule, findings);
+        } else {
+            CheckRules(*child, findings);
+        }
+    }
+}
+
 // False when the file cannot be read.
 bool CheckRuleFile(const std::wstring& path, CTextFileCheck& texts, CCheckFindings& findings) {
     TiXmlDocument document;
     if (!LoadCheckedFile(path, document, findings)) return false;
     const TiXmlElement& root = *document.RootElement();
     CheckRuleSchema(root, findings);
+    CheckRules(root, findings);
     texts.CheckKeys(root, findings);
     return true;
 }

@@ -1,0 +1,63 @@
+#include "host/checkdanger.h"
+
+#include <algorithm>
+
+#include "sysservices/text.h"
+
+namespace {
+
+// The loop, if there is one, gives every folder below the location.
+bool GoesEverywhere(const CheckedRule& rule) {
+    if (!rule.loopPath || !rule.ReadsChildren()) return true;
+    return !rule.steps.empty() && std::all_of(rule.steps.begin(), rule.steps.end(), [](const TiXmlElement* step) {
+        return CheckedRule::MatchesAll(AttributeText(*step, "Path")) && AttributeText(*step, "AddPath").empty();
+    });
+}
+
+void CheckRegistryValues(const CheckedRule& rule, CCheckFindings& findings) {
+    if (!rule.Has("Value") || !Split(AttributeText(rule.element, "Value"), L"|").empty()) return;
+    findings.Add(CheckCodes::kAllValues, rule.PlaceOf("Value"), L"Value names nothing, so all values are deleted");
+}
+
+void CheckRelative(const CheckedRule& rule, CCheckFindings& findings) {
+    if (rule.HasBase() || rule.getByReg || rule.path.empty() || IsAbsolutePath(rule.path)) return;
+    findings.Add(CheckCodes::kRelativeLocation, rule.PlaceOf("Path"),
+                 L"\"" + rule.path + L"\" is relative to the current folder, whatever that is: give a base folder");
+}
+
+// Nothing is said of one folder of a program below the root of a drive, whatever the pattern.
+void CheckDriveRoot(const CheckedRule& rule, CCheckFindings& findings) {
+    const bool isWide = rule.iteration || rule.MatchesAllNames() || !rule.terminals.empty();
+    if (!rule.location.empty() || !isWide || !GoesEverywhere(rule)) return;
+    findings.Add(CheckCodes::kDriveRoot, rule.element, L"this searches a whole drive: name a folder");
+}
+
+// The engine takes the base folder when the registry has nothing, so that is what has to be harmless.
+std::wstring Location(const CheckedRule& rule) {
+    const std::wstring name = L"\"" + rule.location + L"\"";
+    return rule.getByReg ? name + L", when the registry names none," : name;
+}
+
+void CheckWholeFolder(const CheckedRule& rule, CCheckFindings& findings) {
+    const bool takesAll = rule.useShellBrowse || (rule.MatchesAllNames() && rule.terminals.empty());
+    if (!takesAll || rule.location.empty() || !GoesEverywhere(rule)) return;
+    if (IsPreciousFolder(rule.location)) {
+        findings.Add(
+            CheckCodes::kWholeFolder, rule.element,
+            L"this takes all of " + Location(rule) + L" with what must stay: name a folder in it, or a pattern");
+    } else if (IsProgramFolder(rule.location)) {
+        findings.Add(CheckCodes::kProgramFolder, rule.element,
+                     L"this takes all of " + Location(rule) + L" and the program with it: give a pattern");
+    }
+}
+
+}  // namespace
+
+void CheckDanger(const CheckedRule& rule, CCheckFindings& findings) {
+    if (rule.isRegistry) return CheckRegistryValues(rule, findings);
+    if (rule.IsVirtual()) return;
+    CheckRelative(rule, findings);
+    if (!rule.hasLocation || !(rule.isFolder || rule.useShellBrowse)) return;
+    CheckDriveRoot(rule, findings);
+    CheckWholeFolder(rule, findings);
+}
