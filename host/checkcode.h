@@ -43,4 +43,17 @@ inline constexpr CheckCode kRelativeLocation{L"relative-location", CheckSeverity
 inline constexpr CheckCode kProgramFolder{L"program-folder", CheckSeverity::Warning};
 inline constexpr CheckCode kAllValues{L"all-values", CheckSeverity::Warning};
 
+// Rules, and parts of rules, that do nothing
+inline constexpr CheckCode kIgnoredChildren{L"ignored-children", CheckSeverity::Error};
+inline constexpr CheckCode kLoopWithoutStep{L"loop-without-step", CheckSeverity::Warning};
+inline constexpr CheckCode kExcludeWithoutChild{L"exclude-without-child", CheckSeverity::Warning};
+inline constexpr CheckCode kUnresolvableLocation{L"unresolvable-location", CheckSeverity::Warning};
+inline constexpr CheckCode kUnreachableToken{L"unreachable-token", CheckSeverity::Warning};
+inline constexpr CheckCode kDroppedToken{L"dropped-token", CheckSeverity::Warning};
+inline constexpr CheckCode kDoesNothing{L"does-nothing", CheckSeverity::Warning};
+inline constexpr CheckCode kNoEffect{L"no-effect", CheckSeverity::Warning};
+inline constexpr CheckCode kDuplicateRule{L"duplicate-rule", CheckSeverity::Warning};
+inline constexpr CheckCode kLooseExclusion{L"loose-exclusion", CheckSeverity::Note};
+inline constexpr CheckCode kWholeNameToken{L"whole-name-token", CheckSeverity::Note};
+
 }  // namespace CheckCodes

@@ -4,10 +4,15 @@
 #include <cstring>
 #include <optional>
 
+#include "host/checkchildren.h"
 #include "host/checkdanger.h"
+#include "host/checkduplicate.h"
+#include "host/checkeffect.h"
 #include "host/checkfile.h"
+#include "host/checklocation.h"
 #include "host/checkschema.h"
 #include "host/checktext.h"
+#include "host/checktoken.h"
 
 namespace {
 
@@ -39,16 +44,32 @@ private:
 };
 
 // The rules of a file, wherever they stand.
-void CheckRules(const TiXmlElement& element, CCheckFindings& findings) {
-    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        if (std::strcmp(child->Value(), "GarbageInfo") == 0) {
-            const CheckedRule rule(*child);
-            CheckDanger(rule, findings);
-        } else {
-            CheckRules(*child, findings);
+class CRuleCheck {
+public:
+    explicit CRuleCheck(CCheckFindings& findings) : m_findings(findings) {}
+
+    void CheckBelow(const TiXmlElement& parent) {
+        for (const TiXmlElement* child = parent.FirstChildElement(); child; child = child->NextSiblingElement()) {
+            if (std::strcmp(child->Value(), "GarbageInfo") == 0)
+                CheckRule(CheckedRule(*child), std::strcmp(parent.Value(), "XP") == 0);
+            else
+                CheckBelow(*child);
         }
     }
-}
+
+private:
+    void CheckRule(const CheckedRule& rule, bool isForXp) {
+        CheckDanger(rule, m_findings);
+        CheckLocation(rule, m_findings);
+        CheckEffect(rule, m_findings);
+        CheckChildren(rule, m_findings);
+        CheckTokens(rule, m_findings);
+        m_duplicates.Add(rule, isForXp, m_findings);
+    }
+
+    CCheckFindings& m_findings;
+    CDuplicateCheck m_duplicates;
+};
 
 // False when the file cannot be read.
 bool CheckRuleFile(const std::wstring& path, CTextFileCheck& texts, CCheckFindings& findings) {
@@ -56,7 +77,7 @@ bool CheckRuleFile(const std::wstring& path, CTextFileCheck& texts, CCheckFindin
     if (!LoadCheckedFile(path, document, findings)) return false;
     const TiXmlElement& root = *document.RootElement();
     CheckRuleSchema(root, findings);
-    CheckRules(root, findings);
+    CRuleCheck(findings).CheckBelow(root);
     texts.CheckKeys(root, findings);
     return true;
 }

@@ -1,0 +1,106 @@
+#include "host/checkeffect.h"
+
+#include <windows.h>
+#include <shlobj.h>
+
+#include <span>
+
+#include "sysservices/text.h"
+
+namespace {
+
+using Names = std::span<const char* const>;
+
+constexpr const char* kOfFileRules[] = {"FolderEnvDir", "FolderX86EnvDir", "FolderIndex",    "Path",
+                                        "GetByReg",     "IsFolder",        "ExcludeFilter",  "SelfExclude",
+                                        "LoopPath",     "ExcludePath",     "UseShellBrowse", "EmptyProc"};
+constexpr const char* kOfRegistryRules[] = {"KeyPath", "DelKey"};
+constexpr const char* kOfFolders[] = {"Iteration", "Filter", "ExcludeFilter", "SelfExclude", "LoopPath", "ExcludePath"};
+constexpr const char* kOfRegistryLocations[] = {"RootKey", "Value"};
+constexpr const char* kBesideDelKey[] = {"Value", "Iteration", "Filter"};
+constexpr const char* kFilter[] = {"Filter"};
+constexpr const char* kPath[] = {"Path"};
+constexpr const char* kVariable[] = {"FolderEnvDir"};
+constexpr const char* kSelfExclude[] = {"SelfExclude"};
+
+void ReportIgnored(const CheckedRule& rule, Names attributes, const wchar_t* where, CCheckFindings& findings) {
+    for (const char* name : attributes) {
+        if (rule.Has(name))
+            findings.Add(CheckCodes::kNoEffect, rule.PlaceOf(name), Utf8ToWide(name) + L" has no effect " + where);
+    }
+}
+
+void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what, CCheckFindings& findings) {
+    for (const char* name : attributes) {
+        if (AttributeText(rule.element, name).empty())
+            findings.Add(CheckCodes::kMissingAttribute, rule.PlaceOf(name), what + Utf8ToWide(name));
+    }
+}
+
+void CheckRegistryRule(const CheckedRule& rule, CCheckFindings& findings) {
+    constexpr const char* kNeeded[] = {"RootKey", "KeyPath"};
+    RequireTexts(rule, kNeeded, L"a registry rule does nothing without ", findings);
+    ReportIgnored(rule, kOfFileRules, L"in a registry rule", findings);
+    if (AttributeText(rule.element, "DelKey") == L"1")
+        ReportIgnored(rule, kBesideDelKey, L"beside DelKey", findings);
+    else if (!rule.iteration)
+        ReportIgnored(rule, kFilter, L"in a registry rule without Iteration", findings);
+}
+
+void CheckRegistryLocation(const CheckedRule& rule, CCheckFindings& findings) {
+    constexpr const char* kNeeded[] = {"RootKey", "Path", "Value"};
+    if (rule.getByReg)
+        RequireTexts(rule, kNeeded, L"GetByReg reads no location without ", findings);
+    else
+        ReportIgnored(rule, kOfRegistryLocations, L"without GetByReg or Registry", findings);
+}
+
+void CheckVirtualFolder(const CheckedRule& rule, CCheckFindings& findings) {
+    constexpr const wchar_t* kWhere = L"in a shell folder without a path";
+    ReportIgnored(rule, kPath, kWhere, findings);
+    ReportIgnored(rule, kOfFolders, kWhere, findings);
+    if (rule.base->index == CSIDL_BITBUCKET || rule.useShellBrowse) return;
+    findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("FolderIndex"),
+                 L"of the shell folders without a path only the recycle bin (10) is ever emptied");
+}
+
+void CheckSingleFile(const CheckedRule& rule, CCheckFindings& findings) {
+    ReportIgnored(rule, kOfFolders, L"without IsFolder", findings);
+    if (rule.path.find_first_of(L"*?") != std::wstring::npos) {
+        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("Path"),
+                     L"a single file with wildcards is never deleted: use IsFolder and Filter");
+    } else if (rule.HasBase() && rule.path.empty() && !rule.getByReg) {
+        findings.Add(CheckCodes::kDoesNothing, rule.element,
+                     L"without IsFolder this means the folder itself, which is never deleted");
+    }
+}
+
+void CheckFolderRule(const CheckedRule& rule, CCheckFindings& findings) {
+    if (rule.filter.empty() || rule.filter.find_first_of(L"<>\":|\\/") != std::wstring::npos) {
+        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("Filter"),
+                     L"no name matches the Filter \"" + rule.filter + L"\", which takes one pattern");
+    }
+    if (rule.loopPath) {
+        ReportIgnored(rule, kSelfExclude, L"on the folders of a loop", findings);
+    } else if (rule.selfExclude && !rule.iteration) {
+        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("SelfExclude"),
+                     L"SelfExclude without Iteration leaves nothing to find");
+    }
+}
+
+}  // namespace
+
+void CheckEffect(const CheckedRule& rule, CCheckFindings& findings) {
+    if (rule.isRegistry) return CheckRegistryRule(rule, findings);
+    ReportIgnored(rule, kOfRegistryRules, L"without Registry", findings);
+    CheckRegistryLocation(rule, findings);
+    if (rule.folderIndex != -1) ReportIgnored(rule, kVariable, L"beside FolderIndex", findings);
+    if (rule.IsVirtual())
+        CheckVirtualFolder(rule, findings);
+    else if (rule.useShellBrowse)
+        ReportIgnored(rule, kOfFolders, L"beside UseShellBrowse", findings);
+    else if (rule.isFolder)
+        CheckFolderRule(rule, findings);
+    else
+        CheckSingleFile(rule, findings);
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "host/checkrule.h"
+
+// Attributes that a rule of this kind does not read, and rules that find nothing.
+void CheckEffect(const CheckedRule& rule, CCheckFindings& findings);
