@@ -48,7 +48,7 @@ void CheckExclusionFlag(const CheckedRule& rule, CCheckFindings& findings) {
     if (rule.exclusions.empty()) {
         findings.Add(CheckCodes::kExcludeWithoutChild, rule.PlaceOf("ExcludePath"),
                      L"nothing is kept: there is no <ExcludePath> with a Path");
-    } else if (rule.isFolder && !rule.iteration) {
+    } else if (!rule.iteration) {
         findings.Add(CheckCodes::kNoEffect, rule.PlaceOf("ExcludePath"),
                      L"without Iteration no folder is entered, so none needs to be excluded");
     }
@@ -72,7 +72,8 @@ void CheckExclusions(const CheckedRule& rule, CCheckFindings& findings) {
 
 void CheckChildren(const CheckedRule& rule, CCheckFindings& findings) {
     CheckIgnored(rule, findings);
-    if (rule.isRegistry) return;
+    // Of other rules no flag has an effect, which is said elsewhere.
+    if (rule.isRegistry || rule.IsVirtual() || rule.useShellBrowse || !rule.isFolder) return;
     CheckLoop(rule, findings);
     CheckSteps(rule, findings);
     CheckExclusionFlag(rule, findings);

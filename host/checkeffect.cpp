@@ -3,29 +3,23 @@
 #include <windows.h>
 #include <shlobj.h>
 
-#include <span>
+#include <initializer_list>
 
 #include "sysservices/text.h"
 
 namespace {
 
-using Names = std::span<const char* const>;
+using Names = std::initializer_list<const char*>;
 
-constexpr const char* kOfFileRules[] = {"FolderEnvDir", "FolderX86EnvDir", "FolderIndex",    "Path",
-                                        "GetByReg",     "IsFolder",        "ExcludeFilter",  "SelfExclude",
-                                        "LoopPath",     "ExcludePath",     "UseShellBrowse", "EmptyProc"};
-constexpr const char* kOfRegistryRules[] = {"KeyPath", "DelKey"};
-constexpr const char* kOfFolders[] = {"Iteration", "Filter", "ExcludeFilter", "SelfExclude", "LoopPath", "ExcludePath"};
-constexpr const char* kOfRegistryLocations[] = {"RootKey", "Value"};
-constexpr const char* kBesideDelKey[] = {"Value", "Iteration", "Filter"};
-constexpr const char* kFilter[] = {"Filter"};
-constexpr const char* kPath[] = {"Path"};
-constexpr const char* kVariable[] = {"FolderEnvDir"};
-constexpr const char* kSelfExclude[] = {"SelfExclude"};
+constexpr Names kOfFileRules = {"FolderEnvDir", "FolderX86EnvDir", "FolderIndex",    "Path",
+                                "GetByReg",     "IsFolder",        "ExcludeFilter",  "SelfExclude",
+                                "LoopPath",     "ExcludePath",     "UseShellBrowse", "EmptyProc"};
+constexpr Names kOfFolders = {"Iteration", "Filter", "ExcludeFilter", "SelfExclude", "LoopPath", "ExcludePath"};
 
+// A flag that is not set does no harm.
 void ReportIgnored(const CheckedRule& rule, Names attributes, const wchar_t* where, CCheckFindings& findings) {
     for (const char* name : attributes) {
-        if (rule.Has(name))
+        if (rule.Has(name) && AttributeText(rule.element, name) != L"0")
             findings.Add(CheckCodes::kNoEffect, rule.PlaceOf(name), Utf8ToWide(name) + L" has no effect " + where);
     }
 }
@@ -38,26 +32,24 @@ void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what
 }
 
 void CheckRegistryRule(const CheckedRule& rule, CCheckFindings& findings) {
-    constexpr const char* kNeeded[] = {"RootKey", "KeyPath"};
-    RequireTexts(rule, kNeeded, L"a registry rule does nothing without ", findings);
+    RequireTexts(rule, {"RootKey", "KeyPath"}, L"a registry rule does nothing without ", findings);
     ReportIgnored(rule, kOfFileRules, L"in a registry rule", findings);
     if (AttributeText(rule.element, "DelKey") == L"1")
-        ReportIgnored(rule, kBesideDelKey, L"beside DelKey", findings);
+        ReportIgnored(rule, {"Value", "Iteration", "Filter"}, L"beside DelKey", findings);
     else if (!rule.iteration)
-        ReportIgnored(rule, kFilter, L"in a registry rule without Iteration", findings);
+        ReportIgnored(rule, {"Filter"}, L"in a registry rule without Iteration", findings);
 }
 
 void CheckRegistryLocation(const CheckedRule& rule, CCheckFindings& findings) {
-    constexpr const char* kNeeded[] = {"RootKey", "Path", "Value"};
     if (rule.getByReg)
-        RequireTexts(rule, kNeeded, L"GetByReg reads no location without ", findings);
+        RequireTexts(rule, {"RootKey", "Path", "Value"}, L"GetByReg reads no location without ", findings);
     else
-        ReportIgnored(rule, kOfRegistryLocations, L"without GetByReg or Registry", findings);
+        ReportIgnored(rule, {"RootKey", "Value"}, L"without GetByReg or Registry", findings);
 }
 
 void CheckVirtualFolder(const CheckedRule& rule, CCheckFindings& findings) {
     constexpr const wchar_t* kWhere = L"in a shell folder without a path";
-    ReportIgnored(rule, kPath, kWhere, findings);
+    ReportIgnored(rule, {"Path"}, kWhere, findings);
     ReportIgnored(rule, kOfFolders, kWhere, findings);
     if (rule.base->index == CSIDL_BITBUCKET || rule.useShellBrowse) return;
     findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("FolderIndex"),
@@ -81,7 +73,7 @@ void CheckFolderRule(const CheckedRule& rule, CCheckFindings& findings) {
                      L"no name matches the Filter \"" + rule.filter + L"\", which takes one pattern");
     }
     if (rule.loopPath) {
-        ReportIgnored(rule, kSelfExclude, L"on the folders of a loop", findings);
+        ReportIgnored(rule, {"SelfExclude"}, L"on the folders of a loop", findings);
     } else if (rule.selfExclude && !rule.iteration) {
         findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("SelfExclude"),
                      L"SelfExclude without Iteration leaves nothing to find");
@@ -92,9 +84,9 @@ void CheckFolderRule(const CheckedRule& rule, CCheckFindings& findings) {
 
 void CheckEffect(const CheckedRule& rule, CCheckFindings& findings) {
     if (rule.isRegistry) return CheckRegistryRule(rule, findings);
-    ReportIgnored(rule, kOfRegistryRules, L"without Registry", findings);
+    ReportIgnored(rule, {"KeyPath", "DelKey"}, L"without Registry", findings);
     CheckRegistryLocation(rule, findings);
-    if (rule.folderIndex != -1) ReportIgnored(rule, kVariable, L"beside FolderIndex", findings);
+    if (rule.folderIndex != -1) ReportIgnored(rule, {"FolderEnvDir"}, L"beside FolderIndex", findings);
     if (rule.IsVirtual())
         CheckVirtualFolder(rule, findings);
     else if (rule.useShellBrowse)
