@@ -8,10 +8,12 @@ namespace {
 
 // The loop, if there is one, gives every folder below the location.
 bool GoesEverywhere(const CheckedRule& rule) {
-    if (!rule.loopPath || !rule.ReadsChildren()) return true;
-    return !rule.steps.empty() && std::all_of(rule.steps.begin(), rule.steps.end(), [](const TiXmlElement* step) {
-        return CheckedRule::MatchesAll(AttributeText(*step, "Path")) && AttributeText(*step, "AddPath").empty();
-    });
+    if (!rule.loopPath || rule.useShellBrowse) return true;
+    return rule.ReadsChildren() && !rule.steps.empty()
+           && std::all_of(rule.steps.begin(), rule.steps.end(), [](const TiXmlElement* step) {
+                  return CheckedRule::MatchesAll(AttributeText(*step, "Path"))
+                         && AttributeText(*step, "AddPath").empty();
+              });
 }
 
 void CheckRegistryValues(const CheckedRule& rule, CCheckFindings& findings) {
@@ -32,10 +34,15 @@ void CheckDriveRoot(const CheckedRule& rule, CCheckFindings& findings) {
     findings.Add(CheckCodes::kDriveRoot, rule.element, L"this searches a whole drive: name a folder");
 }
 
-// The engine takes the base folder when the registry has nothing, so that is what has to be harmless.
-std::wstring Location(const CheckedRule& rule) {
-    const std::wstring name = L"\"" + rule.location + L"\"";
-    return rule.getByReg ? name + L", when the registry names none," : name;
+// The location as the author gave it.
+std::wstring Spelled(const CheckedRule& rule) {
+    std::wstring base = rule.folderIndex != -1 ? L"folder " + std::to_wstring(rule.folderIndex)
+                        : rule.HasBase()       ? L'%' + rule.variable + L'%'
+                                               : std::wstring();
+    // The engine takes the base folder when the registry has nothing, so that is what has to be harmless.
+    if (rule.getByReg) return base + L", when the registry names none,";
+    if (!base.empty() && !rule.path.empty()) base += L'\\';
+    return base + rule.path;
 }
 
 void CheckWholeFolder(const CheckedRule& rule, CCheckFindings& findings) {
@@ -44,10 +51,10 @@ void CheckWholeFolder(const CheckedRule& rule, CCheckFindings& findings) {
     if (IsPreciousFolder(rule.location)) {
         findings.Add(
             CheckCodes::kWholeFolder, rule.element,
-            L"this takes all of " + Location(rule) + L" with what must stay: name a folder in it, or a pattern");
+            L"this takes all of " + Spelled(rule) + L" with what must stay: name a folder in it, or a pattern");
     } else if (IsProgramFolder(rule.location)) {
         findings.Add(CheckCodes::kProgramFolder, rule.element,
-                     L"this takes all of " + Location(rule) + L" and the program with it: give a pattern");
+                     L"this takes all of " + Spelled(rule) + L" and the program with it: give a pattern");
     }
 }
 

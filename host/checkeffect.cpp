@@ -87,6 +87,7 @@ void CheckEffect(const CheckedRule& rule, CCheckFindings& findings) {
     ReportIgnored(rule, {"KeyPath", "DelKey"}, L"without Registry", findings);
     CheckRegistryLocation(rule, findings);
     if (rule.folderIndex != -1) ReportIgnored(rule, {"FolderEnvDir"}, L"beside FolderIndex", findings);
+    if (!rule.HasBase()) ReportIgnored(rule, {"UseShellBrowse"}, L"without a base folder", findings);
     if (rule.IsVirtual())
         CheckVirtualFolder(rule, findings);
     else if (rule.useShellBrowse)

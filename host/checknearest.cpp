@@ -9,12 +9,12 @@
 
 namespace {
 
-// All names of the format are shorter.
-constexpr size_t kLongestName = 63;
-
-// Letters inserted, deleted or replaced on the way from one text to the other. `to` has kLongestName letters at most.
+// Letters inserted, deleted or replaced on the way from one text to the other. What is longer than any name of the
+// format is cut.
 size_t EditDistance(std::wstring_view from, std::wstring_view to) {
-    std::array<size_t, kLongestName + 1> row;
+    constexpr size_t kLongest = 63;
+    to = to.substr(0, kLongest);
+    std::array<size_t, kLongest + 1> row;
     std::iota(row.begin(), row.end(), size_t{0});
     for (size_t i = 0; i < from.size(); ++i) {
         size_t diagonal = std::exchange(row[0], i + 1);
@@ -30,13 +30,15 @@ size_t EditDistance(std::wstring_view from, std::wstring_view to) {
 }  // namespace
 
 std::wstring NearestHint(std::wstring_view name, const std::vector<std::wstring>& known) {
-    if (name.size() > kLongestName) return {};
     const std::wstring lower = ToLower(name);
     const std::wstring* nearest = nullptr;
-    // Farther away it is another word.
+    // Farther away it is another word, unless it begins like that.
+    constexpr size_t kBeginning = 4;
     size_t limit = name.size() / 3 + 2;
     for (const std::wstring& candidate : known) {
-        const size_t distance = EditDistance(lower, ToLower(candidate));
+        const std::wstring other = ToLower(candidate);
+        const bool begins = name.size() >= kBeginning && other.starts_with(lower);
+        const size_t distance = begins ? 1 : EditDistance(lower, other);
         if (distance >= limit) continue;
         limit = distance;
         nearest = &candidate;

@@ -21,11 +21,11 @@ CheckedRule::CheckedRule(const TiXmlElement& ruleElement)
       loopPath(ReadFlag(element, "LoopPath")),
       excludePath(ReadFlag(element, "ExcludePath")),
       selfExclude(ReadFlag(element, "SelfExclude")),
-      useShellBrowse(ReadInteger(element, "UseShellBrowse", 0) != 0),
       folderIndex(ReadInteger(element, "FolderIndex", -1)),
       variable(AttributeText(element, "FolderEnvDir")),
       path(AttributeText(element, "Path")),
-      filter(Has("Filter") ? AttributeText(element, "Filter") : L"*") {
+      filter(Has("Filter") ? AttributeText(element, "Filter") : L"*"),
+      useShellBrowse(HasBase() && ReadInteger(element, "UseShellBrowse", 0) != 0) {
     if (folderIndex != -1)
         base = FindCheckFolder(folderIndex);
     else if (!variable.empty())

@@ -33,11 +33,11 @@ struct CheckedRule {
     bool loopPath;
     bool excludePath;
     bool selfExclude;
-    bool useShellBrowse;
     int32_t folderIndex;
     std::wstring variable;
     std::wstring path;
     std::wstring filter;
+    bool useShellBrowse;                // never without a base folder
     const CheckFolder* base = nullptr;  // null when there is none, or none that every Windows has
     bool hasLocation = false;
     std::wstring location;  // in normal form; with GetByReg what it is when the registry has nothing
