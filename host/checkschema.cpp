@@ -59,15 +59,20 @@ constexpr ElementShape kRoot{"Rules", {}, kRootChildren};
 
 constexpr const ElementShape* kAllShapes[] = {&kRoot, &kCategory, &kApp, &kGarbage, &kXp, &kRule, &kStep, &kExclusion};
 
-std::vector<std::wstring> NamesOf(const auto& shapes) {
-    std::vector<std::wstring> names;
-    for (const auto& shape : shapes) {
-        if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(shape)>>)
-            names.push_back(Utf8ToWide(shape->name));
-        else
-            names.push_back(Utf8ToWide(shape.name));
-    }
-    return names;
+std::wstring NameOf(const AttributeShape& shape) {
+    return Utf8ToWide(shape.name);
+}
+
+std::wstring NameOf(const ElementShape* shape) {
+    return Utf8ToWide(shape->name);
+}
+
+// The nearest of what is known there, for the end of a message.
+std::wstring Hint(std::wstring_view name, const auto& shapes) {
+    std::vector<std::wstring> known;
+    for (const auto& shape : shapes)
+        known.push_back(NameOf(shape));
+    return NearestHint(name, known);
 }
 
 class CSchemaCheck {
@@ -92,9 +97,9 @@ private:
         });
         const std::wstring name = Utf8ToWide(attribute.Name());
         if (known == shape.attributes.end()) {
-            m_findings.Add(CheckCodes::kUnknownAttribute, attribute,
-                           L"<" + Utf8ToWide(shape.name) + L"> has no attribute \"" + name + L"\""
-                               + NearestHint(name, NamesOf(shape.attributes)));
+            m_findings.Add(
+                CheckCodes::kUnknownAttribute, attribute,
+                L"<" + Utf8ToWide(shape.name) + L"> has no attribute \"" + name + L"\"" + Hint(name, shape.attributes));
         } else if (const auto fault = FindValueFault(known->type, attribute.Value())) {
             m_findings.Add(fault->code, attribute,
                            name + L"=\"" + Utf8ToWide(attribute.Value()) + L"\" " + fault->message);
@@ -103,7 +108,6 @@ private:
 
     void CheckRequired(const TiXmlElement& element, const AttributeShape& attribute) {
         if (!attribute.required || element.Attribute(attribute.name)) return;
-        // Only an exclusion may lack its own and cost no more than itself.
         const bool costsFile = std::strcmp(attribute.name, "Name") == 0;
         m_findings.Add(CheckCodes::kMissingAttribute, element,
                        L"<" + Utf8ToWide(element.Value()) + L"> has no \"" + Utf8ToWide(attribute.name)
@@ -142,7 +146,7 @@ private:
         if (isKnown)
             m_findings.Add(CheckCodes::kMisplacedElement, child, where);
         else
-            m_findings.Add(CheckCodes::kUnknownElement, child, where + NearestHint(name, NamesOf(parent.children)));
+            m_findings.Add(CheckCodes::kUnknownElement, child, where + Hint(name, parent.children));
     }
 
     void CheckSecondXp(const TiXmlElement& element) {
