@@ -21,7 +21,7 @@ void CheckEncoding(const TiXmlDocument& document, CCheckFindings& findings) {
     const TiXmlDeclaration* declaration = first ? first->ToDeclaration() : nullptr;
     if (!declaration) return;
     const std::wstring encoding = ToLower(Utf8ToWide(declaration->Encoding()));
-    if (encoding.empty() || encoding == L"utf-8") return;
+    if (encoding.empty() || encoding == L"utf-8" || encoding == L"utf8") return;
     findings.Add(CheckCodes::kEncoding, *declaration, L"the engine reads texts as UTF-8, not as " + encoding);
 }
 
