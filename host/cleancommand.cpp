@@ -1,17 +1,15 @@
 #include "host/cleancommand.h"
 
-#include <memory>
-
 #include "host/gathercommand.h"
 #include "host/hosterror.h"
-#include "host/runobserver.h"
-#include "host/totals.h"
+#include "host/resulttable.h"
+#include "host/runjson.h"
 
 namespace {
 
-struct CleanOptions : EngineOptions {
-    bool items = false;
+struct CleanOptions : GatherOptions {
     bool yes = false;
+    bool dryRun = false;
 };
 
 bool UserAgrees(CConsole& console) {
@@ -20,61 +18,94 @@ bool UserAgrees(CConsole& console) {
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 
-// The first few, or a program that keeps its cache open would fill the screen.
-void PrintRefused(COutput& out, const std::vector<std::wstring>& refused) {
+// Adds the paths of the items in that state, of this node and those below, to `paths`.
+void CollectPaths(const RunResult& result, ItemState state, std::vector<std::wstring>& paths) {
+    for (const ReportedItem& item : result.items)
+        if (item.state == state) paths.push_back(item.path.empty() ? L"(all of " + result.path + L")" : item.path);
+    for (const RunResult& child : result.children)
+        CollectPaths(child, state, paths);
+}
+
+// Lists the items in that state and returns what to say of them in the summary. Only the first few, or a program that
+// keeps its cache open would fill the screen.
+std::wstring PrintNotDeleted(COutput& out, const RunResult& result, ItemState state, const wchar_t* headline) {
     constexpr size_t kShown = 20;
-    if (!refused.empty()) out.Line(L"In use, refused or gone:");
-    for (size_t i = 0; i < refused.size() && i < kShown; ++i)
-        out.Line(L"  " + refused[i]);
-    if (refused.size() > kShown)
-        out.Line(L"  and " + ItemCount(refused.size() - kShown) + L" more; --items lists them all");
+    std::vector<std::wstring> paths;
+    CollectPaths(result, state, paths);
+    if (paths.empty()) return {};
+    out.Line(headline);
+    for (size_t i = 0; i < paths.size() && i < kShown; ++i)
+        out.Line(L"  " + paths[i]);
+    if (paths.size() > kShown)
+        out.Line(L"  and " + ItemCount(paths.size() - kShown) + L" more; --items lists them all");
+    return L", " + GroupedNumber(paths.size()) + L' ' + Text(state);
 }
 
-// Freed is only what was reported as deleted. What is left is the engine's own count: items that were refused, but also
-// those that were passed over or that a stopped run did not reach.
-void PrintResult(COutput& out, CEngine& engine, const CRunObserver& observer) {
-    const Amount deleted =
-        PrintTotals(out, L"Deleted", *engine, [&](IGarbageCatagory& category) { return observer.Deleted(category); });
-    Amount left;
-    if (engine->GetTotalCount() != 0) left = PrintTotals(out, L"Not deleted", *engine, EngineAmount);
-    PrintRefused(out, observer.Refused());
-    out.Line(L"Freed " + FullSize(deleted.bytes) + L" in " + ItemCount(deleted.items) + L"; not deleted: "
-             + ItemCount(left.items) + L", " + FullSize(left.bytes) + L".");
+void PrintResult(COutput& out, const RunResult& result) {
+    PrintTable(out, L"Deleted", result, &RunResult::deleted);
+    if (result.left.items != 0) PrintTable(out, L"Not deleted", result, &RunResult::left);
+    std::wstring reasons = PrintNotDeleted(out, result, ItemState::InUse, L"In use by another program:");
+    reasons += PrintNotDeleted(out, result, ItemState::Refused, L"Refused (read-only, or the access rights):");
+    reasons += PrintNotDeleted(out, result, ItemState::Gone, L"Gone before they could be deleted:");
+    reasons += PrintNotDeleted(out, result, ItemState::NotTried, L"Not tried (not reached, or beside dsw.exe):");
+    if (!reasons.empty()) reasons = L" (" + reasons.substr(2) + L")";
+    out.Line(L"Freed " + FullSize(result.deleted.bytes) + L" in " + ItemCount(result.deleted.items) + L"; not deleted: "
+             + ItemCount(result.left.items) + L", " + FullSize(result.left.bytes) + reasons + L".");
 }
 
-ExitStatus DeleteFound(CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems) {
-    CRunObserver observer(console, cancel, listItems);
-    const bool finished = engine->Clean(&observer);
-    observer.Finish();
-    PrintResult(console.out, engine, observer);
-    if (finished) return ExitStatus::Done;
-    if (!cancel.Requested()) throw CHostError(L"the engine gave up the clean, memory ran out: the result is partial");
-    console.err.Line(L"dsw: stopped, the items that were not reached are still there");
+// What is found is shown before the question. Nothing when the clean may begin.
+std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& options, CConsole& console,
+                                  const CCancel& cancel) {
+    // With --yes the list of what became of the items says the same as one of what was found.
+    CRunObserver observer(*engine, console, cancel, options.items && !options.json && (options.dryRun || !options.yes));
+    const ExitStatus status = observer.Run(&IDregsweep::Gather);
+    const bool goOn = status == ExitStatus::Done && !options.dryRun;
+    const RunResult found = CollectResult(engine, nullptr, options.json && !goOn);
+    if (!options.json) {
+        PrintFound(console.out, found);
+    } else if (!goOn) {
+        PrintRunJson(console.out, "clean", status, /*cleaned=*/false, found);
+    }
+    if (options.dryRun && !options.json) console.out.Line(L"A dry run: nothing was deleted.");
+    if (!goOn) return status;
+    if (options.yes || UserAgrees(console)) return {};
+    console.err.Line(L"dsw: nothing was deleted");
     return ExitStatus::Stopped;
 }
 
 ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
+    if (options.json && !options.yes && !options.dryRun)
+        throw CHostError(L"clean --json asks no question: add --yes to delete, or --dry-run to look only",
+                         ExitStatus::WrongUsage);
     const CCancel cancel;
-    CEngine engine(options);
-    // What is found is listed before the question; with --yes the list of what became of it says the same.
-    const ExitStatus gathered = RunGather(engine, console, cancel, options.items && !options.yes);
-    if (gathered != ExitStatus::Done) return gathered;
-    if (!options.yes && !UserAgrees(console)) {
-        console.err.Line(L"dsw: nothing was deleted");
-        return ExitStatus::Stopped;
+    const CEngine engine(options);
+    if (const auto status = Prepare(engine, options, console, cancel)) return *status;
+    CRunObserver observer(*engine, console, cancel, options.items && !options.json);
+    const ExitStatus status = observer.Run(&IDregsweep::Clean);
+    const RunResult result = CollectResult(engine, &observer, /*withItems=*/true);
+    if (options.json) {
+        PrintRunJson(console.out, "clean", status, /*cleaned=*/true, result);
+    } else {
+        PrintResult(console.out, result);
     }
-    return DeleteFound(engine, console, cancel, options.items);
+    return status;
 }
 
 }  // namespace
 
-void AddCleanCommand(CLI::App& app, CommandAction& action) {
-    CLI::App* command = app.add_subcommand("clean", "Find what the selected rules describe and delete it");
+void AddCleanCommand(CLI::App& parent, CommandAction& action, bool upgradeMode) {
+    CLI::App* command = parent.add_subcommand("clean", "Find what the selected rules describe and delete it");
     const auto options = std::make_shared<CleanOptions>();
-    AddEngineOptions(*command, *options);
-    command->add_flag("--items", options->items, "List every item and what became of it");
-    command->add_flag("--yes", options->yes, "Delete without asking");
-    command->footer("Example:\n  dsw clean --rules rules.xml --yes");
-    command->callback(
-        [&action, options] { action = [options](CConsole& console) { return RunClean(*options, console); }; });
+    options->upgradeMode = upgradeMode;
+    AddGatherOptions(*command, *options);
+    command->add_flag("--yes", options->yes, "Delete without asking; --json needs it");
+    command->add_flag("--dry-run", options->dryRun, "Show what would be deleted, and stop before the question");
+    AddHelp(*command, upgradeMode ? "Examples:\n"
+                                    "  dsw upgrade-leftovers clean --dry-run --items\n"
+                                    "  dsw upgrade-leftovers clean"
+                                  : "Examples:\n"
+                                    "  dsw clean --rules rules.xml --dry-run --items\n"
+                                    "  dsw clean --rules rules.xml --only \"Windows/*/Temporary files\"\n"
+                                    "  dsw clean --rules rules.xml --yes --json >deleted.json");
+    SetAction(*command, action, options, RunClean);
 }

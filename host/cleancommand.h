@@ -2,5 +2,5 @@
 
 #include "host/command.h"
 
-// "dsw clean": scans, asks, and deletes what was found.
-void AddCleanCommand(CLI::App& app, CommandAction& action);
+// "dsw clean": scans, asks, and deletes what was found. With `upgradeMode` it is that of "dsw upgrade-leftovers".
+void AddCleanCommand(CLI::App& parent, CommandAction& action, bool upgradeMode);

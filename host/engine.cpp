@@ -1,9 +1,12 @@
 #include "host/engine.h"
 
+#include <tinyxml.h>
+
 #include <cstdio>
 #include <memory>
 
 #include "host/hosterror.h"
+#include "sysservices/xmldocument.h"
 
 namespace {
 
@@ -12,42 +15,63 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// The engine takes a missing file for an empty one, so look before it does. `what` and `option` are for the message.
-void RequireReadable(const CString& path, const CString& what, const CString& option) {
-    const CString name = L"the " + what + L" " + path;
+// The engine takes a file that is missing or no XML for an empty one, so look before it does. `name` and `remedy` are
+// for the message.
+void RequireXml(const CString& path, const CString& name, const CString& remedy) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES)
-        throw CHostError(L"cannot find " + name + L": check the path after " + option);
-    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
-        throw CHostError(name + L" is a folder: give the file itself after " + option);
+    if (attributes == INVALID_FILE_ATTRIBUTES) throw CHostError(L"cannot find " + name + L": " + remedy);
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY) throw CHostError(name + L" is a folder: " + remedy);
     if (!File(_wfopen(path.c_str(), L"rb")))
         throw CHostError(L"cannot open " + name + L": another program holds it, or you may not read it");
+    TiXmlDocument document;
+    if (LoadXmlDocument(path.c_str(), document)) return;
+    if (!document.Error()) throw CHostError(name + L" is empty, open for writing elsewhere, or nested too deeply");
+    CString line;
+    if (document.ErrorRow() > 0) line = L", line " + std::to_wstring(document.ErrorRow()) + L",";
+    throw CHostError(name + line + L" is no well-formed XML: " + Utf8ToWide(document.ErrorDesc()));
 }
 
-void LoadRules(IDregsweep& engine, const CString& rules) {
+[[noreturn]] void ThrowUnusable(const CString& rules) {
+    throw CHostError(L"the rule file " + rules
+                     + L" has no category, or one that cannot be loaded: give each level its \"Name\"");
+}
+
+CReference<IDregsweep> LoadRules(const CEngineModule& module, const CString& rules) {
+    RequireXml(rules, L"the rule file " + rules, L"check the path after --rules");
+    CReference<IDregsweep> engine = module.CreateEngine("GetImp");
+    if (!engine) throw CHostError(L"the engine gave no object: is Dregsweep.dll the one of this dsw.exe?");
     // The names come in a step of their own, which tells whether the file has any; an empty path is no file.
-    const uint64_t code = engine.Init(rules.c_str(), L"", nullptr);
-    if (code == kDregsweepConfigFailed)
-        throw CHostError(L"the rule file " + rules
-                         + L" has no category, or one that cannot be loaded: give each level its \"Name\"");
+    const uint64_t code = engine->Init(rules.c_str(), L"", nullptr);
+    if (code == kDregsweepConfigFailed) ThrowUnusable(rules);
     if (code != 0) throw CHostError(L"the engine refuses to start, code " + std::to_wstring(code));
-    if (!CReference<IAppCatagory>(engine.GetFirstCategory()))
-        throw CHostError(L"the rule file " + rules
-                         + L" holds no rules: it must be well-formed XML with \"AppCategoryInfo\" elements");
+    return engine;
+}
+
+// This engine has loaded its files already.
+CReference<IDregsweep> LoadUpgradeRules(const CEngineModule& module, const CString& rules) {
+    RequireXml(rules, L"the rule file " + rules, L"put it beside dsw.exe");
+    CReference<IDregsweep> engine = module.CreateEngine("GetSysUpgradeClearImp");
+    if (!engine) ThrowUnusable(rules);
+    return engine;
 }
 
 void LoadNames(IDregsweep& engine, const CString& text) {
+    RequireXml(text, L"the text file " + text, L"check the path after --text");
     if (engine.ChangeResID(text.c_str(), nullptr) == kDregsweepNoTextTable)
         throw CHostError(L"the text file " + text + L" holds no names: its root needs a \"Dregsweep\" element");
 }
 
 }  // namespace
 
-CEngine::CEngine(const EngineOptions& options) : m_engine(m_module.CreateEngine()) {
-    const CString rules = Utf8ToWide(options.rules);
-    const CString text = Utf8ToWide(options.text);
-    RequireReadable(rules, L"rule file", L"--rules");
-    if (!text.empty()) RequireReadable(text, L"text file", L"--text");
-    LoadRules(*m_engine, rules);
-    if (!text.empty()) LoadNames(*m_engine, text);
+CEngine::CEngine(const EngineOptions& options) {
+    const CString rules =
+        options.upgradeMode ? JoinPath(ExecutableFolder(), L"SysUpgradeConfig.xml") : Utf8ToWide(options.rules);
+    m_engine = options.upgradeMode ? LoadUpgradeRules(m_module, rules) : LoadRules(m_module, rules);
+    if (!CReference<IAppCatagory>(m_engine->GetFirstCategory()))
+        throw CHostError(L"the rule file " + rules + L" holds no rules: its root needs \"AppCategoryInfo\" elements");
+    m_paths.emplace(*m_engine);
+    if (!options.text.empty()) LoadNames(*m_engine, Utf8ToWide(options.text));
+    for (const std::string& prefix : options.allowed)
+        m_engine->AddAllowedPath(Utf8ToWide(prefix).c_str());
+    ApplySelection(*m_engine, options.selection, Paths(), CNodePaths(*m_engine));
 }

@@ -2,8 +2,6 @@
 
 #include "host/hosterror.h"
 
-namespace {
-
 CString ExecutablePath() {
     CString path(MAX_PATH, L'\0');
     for (;;) {
@@ -16,14 +14,14 @@ CString ExecutablePath() {
     }
 }
 
-CString ModulePath() {
+CString ExecutableFolder() {
     const CString executable = ExecutablePath();
-    return JoinPath(executable.substr(0, executable.rfind(L'\\')), L"Dregsweep.dll");
+    return executable.substr(0, executable.rfind(L'\\'));
 }
 
-}  // namespace
-
-CEngineModule::CEngineModule() : m_path(ModulePath()), m_module(LoadLibraryW(m_path.c_str())) {
+CEngineModule::CEngineModule()
+    : m_path(JoinPath(ExecutableFolder(), L"Dregsweep.dll")),
+      m_module(LoadLibraryW(m_path.c_str())) {
     if (m_module) return;
     const DWORD error = GetLastError();
     throw CHostError(L"cannot load the engine " + m_path + L" (error " + std::to_wstring(error)
@@ -34,11 +32,17 @@ CEngineModule::~CEngineModule() {
     FreeLibrary(m_module);
 }
 
-CReference<IDregsweep> CEngineModule::CreateEngine() const {
+template <class Factory>
+auto CEngineModule::Create(const char* factory) const {
     // By way of void*, since the address' real type is known here only.
-    void* address = reinterpret_cast<void*>(GetProcAddress(m_module, "GetImp"));
-    CReference<IDregsweep> engine(address ? reinterpret_cast<DregsweepFactory>(address)() : nullptr);
-    if (!engine)
-        throw CHostError(L"the engine " + m_path + L" gave no object: is it the Dregsweep.dll of this dsw.exe?");
-    return engine;
+    void* address = reinterpret_cast<void*>(GetProcAddress(m_module, factory));
+    return CReference(address ? reinterpret_cast<Factory>(address)() : nullptr);
+}
+
+CReference<IDregsweep> CEngineModule::CreateEngine(const char* factory) const {
+    return Create<DregsweepFactory>(factory);
+}
+
+CReference<IInternetFileProc> CEngineModule::UpdateObject() const {
+    return Create<DregsweepUpdateFactory>("GetInetFileProcImp");
 }

@@ -6,6 +6,10 @@
 #include "sysservices/reference.h"
 #include "sysservices/text.h"
 
+// The path of this executable, and the folder that holds it.
+CString ExecutablePath();
+CString ExecutableFolder();
+
 // Dregsweep.dll, loaded from the folder of this executable and freed at the end of the scope. Every object that it gave
 // out must have been released by then.
 class CEngineModule {
@@ -16,10 +20,15 @@ public:
     CEngineModule(const CEngineModule&) = delete;
     CEngineModule& operator=(const CEngineModule&) = delete;
 
-    // A new engine, not yet initialised. Throws CHostError when the module has none to give.
-    CReference<IDregsweep> CreateEngine() const;
+    // A new engine from one of the exports that hand them out, or null.
+    CReference<IDregsweep> CreateEngine(const char* factory) const;
+    // The update object of the process, or null.
+    CReference<IInternetFileProc> UpdateObject() const;
 
 private:
+    template <class Factory>
+    auto Create(const char* factory) const;
+
     const CString m_path;
     const HMODULE m_module;
 };

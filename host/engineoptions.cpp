@@ -1,6 +1,16 @@
 #include "host/engineoptions.h"
 
-void AddEngineOptions(CLI::App& command, EngineOptions& options) {
+void AddFileOptions(CLI::App& command, EngineOptions& options) {
     command.add_option("--rules", options.rules, "The rule file (XML)")->type_name("FILE")->required();
     command.add_option("--text", options.text, "The file with the localised names (XML)")->type_name("FILE");
+}
+
+void AddScopeOptions(CLI::App& command, EngineOptions& options) {
+    AddSelectionOptions(command, options.selection);
+    command
+        .add_option_function<std::string>(
+            "--allow", [&options](const std::string& prefix) { options.allowed.push_back(prefix); },
+            "Scan only folders whose path begins so; a further one adds")
+        ->type_name("PREFIX")
+        ->trigger_on_parse();
 }

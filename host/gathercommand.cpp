@@ -1,42 +1,39 @@
 #include "host/gathercommand.h"
 
-#include <memory>
+#include "host/resulttable.h"
+#include "host/runjson.h"
 
-#include "host/hosterror.h"
-#include "host/runobserver.h"
-#include "host/totals.h"
-
-namespace {
-
-struct GatherOptions : EngineOptions {
-    bool items = false;
-};
-
-}  // namespace
-
-void AddGatherCommand(CLI::App& app, CommandAction& action) {
-    CLI::App* command = app.add_subcommand("gather", "Find what the selected rules describe; delete nothing");
-    const auto options = std::make_shared<GatherOptions>();
-    AddEngineOptions(*command, *options);
-    command->add_flag("--items", options->items, "List every item that is found");
-    command->footer("Example:\n  dsw gather --rules rules.xml --items");
-    command->callback([&action, options] {
-        action = [options](CConsole& console) {
-            const CCancel cancel;
-            CEngine engine(*options);
-            return RunGather(engine, console, cancel, options->items);
-        };
-    });
+void AddGatherOptions(CLI::App& command, GatherOptions& options) {
+    if (!options.upgradeMode) AddFileOptions(command, options);
+    AddScopeOptions(command, options);
+    command.add_flag("--items", options.items, "List every item under its category");
+    command.add_flag("--json", options.json, "Print one JSON document, with every item, and nothing else");
 }
 
-ExitStatus RunGather(CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems) {
-    CRunObserver observer(console, cancel, listItems);
-    const bool finished = engine->Gather(&observer);
-    observer.Finish();
-    const Amount found = PrintTotals(console.out, L"Found", *engine, EngineAmount);
-    console.out.Line(L"Found " + ItemCount(found.items) + L", " + FullSize(found.bytes) + L".");
-    if (finished) return ExitStatus::Done;
-    if (!cancel.Requested()) throw CHostError(L"the engine gave up the scan, memory ran out: the totals are partial");
-    console.err.Line(L"dsw: stopped, the totals are those of the items found so far");
-    return ExitStatus::Stopped;
+ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
+    const CCancel cancel;
+    const CEngine engine(options);
+    CRunObserver observer(*engine, console, cancel, options.items && !options.json);
+    const ExitStatus status = observer.Run(&IDregsweep::Gather);
+    const RunResult result = CollectResult(engine, nullptr, options.json);
+    if (options.json) {
+        PrintRunJson(console.out, "gather", status, /*cleaned=*/false, result);
+    } else {
+        PrintFound(console.out, result);
+    }
+    return status;
+}
+
+void AddGatherCommand(CLI::App& parent, CommandAction& action, bool upgradeMode) {
+    CLI::App* command = parent.add_subcommand("gather", "Find what the selected rules describe; delete nothing");
+    const auto options = std::make_shared<GatherOptions>();
+    options->upgradeMode = upgradeMode;
+    AddGatherOptions(*command, *options);
+    AddHelp(*command, upgradeMode ? "Example:\n"
+                                    "  dsw upgrade-leftovers gather --items"
+                                  : "Examples:\n"
+                                    "  dsw gather --rules rules.xml --text text\\de\\ResIDText.xml\n"
+                                    "  dsw gather --rules rules.xml --only \"Browsers/*\" --items\n"
+                                    "  dsw gather --rules rules.xml --json >found.json");
+    SetAction(*command, action, options, RunGather);
 }

@@ -1,11 +1,17 @@
 #pragma once
 
-#include "host/cancel.h"
 #include "host/command.h"
-#include "host/engine.h"
+#include "host/engineoptions.h"
 
-// "dsw gather": scans what the selected rules describe and shows the totals. Deletes nothing.
-void AddGatherCommand(CLI::App& app, CommandAction& action);
+struct GatherOptions : EngineOptions {
+    bool items = false;
+    bool json = false;
+};
 
-// Scans and shows the totals, also those of a scan that the user stopped. Throws CHostError when the engine gave up.
-ExitStatus RunGather(CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems);
+// "dsw gather": scans what the selected rules describe and shows the totals. Deletes nothing. With `upgradeMode` it
+// is that of "dsw upgrade-leftovers".
+void AddGatherCommand(CLI::App& parent, CommandAction& action, bool upgradeMode);
+
+// What "gather" and "clean" have in common: rules, selection, --items and --json.
+void AddGatherOptions(CLI::App& command, GatherOptions& options);
+ExitStatus RunGather(const GatherOptions& options, CConsole& console);

@@ -9,7 +9,7 @@ namespace {
 
 ExitStatus RunList(const EngineOptions& options, CConsole& console) {
     const CEngine engine(options);
-    PrintTree(console.out, *engine);
+    PrintTree(console.out, engine);
     return ExitStatus::Done;
 }
 
@@ -18,8 +18,17 @@ ExitStatus RunList(const EngineOptions& options, CConsole& console) {
 void AddListCommand(CLI::App& app, CommandAction& action) {
     CLI::App* command = app.add_subcommand("list", "Show the categories, applications and rules of a rule file");
     const auto options = std::make_shared<EngineOptions>();
-    AddEngineOptions(*command, *options);
-    command->footer("Example:\n  dsw list --rules rules.xml --text ResIDText.xml");
-    command->callback(
-        [&action, options] { action = [options](CConsole& console) { return RunList(*options, console); }; });
+    AddFileOptions(*command, *options);
+    AddScopeOptions(*command, *options);
+    AddHelp(
+        *command,
+
+        "Behind each node stands its path, by the names of the rule file, for the selecting options of all commands.\n"
+        "A pattern (* any text, ? any character) is compared with the whole path in the language of the rule file and "
+        "in\n"
+        "the one shown; capitals do not matter. It selects all that is below what it matches.\n\n"
+        "Examples:\n"
+        "  dsw list --rules rules.xml --text text\\de\\ResIDText.xml\n"
+        "  dsw list --rules rules.xml --only \"Browsers/*\" --deselect \"*/Cookies\"");
+    SetAction(*command, action, options, RunList);
 }

@@ -1,6 +1,7 @@
 #include "host/checkcommand.h"
 #include "host/cleancommand.h"
 #include "host/gathercommand.h"
+#include "host/hosterror.h"
 #include "host/listcommand.h"
 
 namespace {
@@ -15,8 +16,8 @@ std::vector<std::string> ReversedArguments(int count, wchar_t** arguments) {
 
 void AddCommands(CLI::App& app, CommandAction& action) {
     AddListCommand(app, action);
-    AddGatherCommand(app, action);
-    AddCleanCommand(app, action);
+    AddGatherCommand(app, action, /*upgradeMode=*/false);
+    AddCleanCommand(app, action, /*upgradeMode=*/false);
     AddCheckCommand(app, action);
 }
 
@@ -34,7 +35,12 @@ ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CCo
 ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
     CLI::App app("Finds and deletes the junk that a rule file describes.", "dsw");
     app.set_version_flag("--version", "dsw " DSW_VERSION);
-    app.footer("Exit status: 0 done, 1 failed, 2 wrong usage, 3 stopped by the user.");
+    AddHelp(app,
+            "dsw COMMAND --help tells the options of a command.\n\n"
+            "Examples:\n"
+            "  dsw list --rules rules.xml\n"
+            "  dsw gather --rules rules.xml --items\n"
+            "  dsw clean --rules rules.xml --dry-run");
     app.require_subcommand(1);
     CommandAction action;
     AddCommands(app, action);
@@ -46,16 +52,26 @@ ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
     return action(console);
 }
 
+void ShowError(const std::exception& error, CConsole& console) {
+    console.out.Flush();
+    console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+}
+
 }  // namespace
+
+// Patterns are for the tree, not for the files of the current folder.
+int _dowildcard = 0;
 
 int wmain(int count, wchar_t** arguments) {
     CConsole console;
     ExitStatus status = ExitStatus::Failed;
     try {
         status = Run(count, arguments, console);
+    } catch (const CHostError& error) {
+        status = error.Status();
+        ShowError(error, console);
     } catch (const std::exception& error) {
-        console.out.Flush();
-        console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+        ShowError(error, console);
     }
     console.out.Flush();
     // Whoever reads the output must not take a part for the whole.

@@ -16,13 +16,16 @@ void CProgressLine::Enter(std::wstring_view name) {
     Draw();
 }
 
-void CProgressLine::Count(uint64_t bytes) {
-    m_counted += {1, bytes};
+void CProgressLine::Count(const Amount& amount) {
+    m_counted += amount;
     Draw();
 }
 
 std::wstring CProgressLine::Text(size_t columns) const {
-    const std::wstring text = PadLeft(std::to_wstring(m_percent), 3) + L"%  " + ItemCount(m_counted.items) + L", "
+    constexpr size_t kBar = 20;
+    const size_t full = m_percent * kBar / 100;
+    const std::wstring bar = L"[" + std::wstring(full, L'#') + std::wstring(kBar - full, L'.') + L"] ";
+    const std::wstring text = bar + PadLeft(std::to_wstring(m_percent), 3) + L"%  " + ItemCount(m_counted.items) + L", "
                               + ReadableSize(m_counted.bytes) + L"  " + m_name;
     return std::wstring(Shorten(text, columns));
 }

@@ -8,7 +8,7 @@
 #include "host/console.h"
 #include "host/sizetext.h"
 
-// One line of progress that is drawn over and over, on a terminal only; removed at the end of the scope.
+// One line of progress, with a bar, that is drawn over and over, on a terminal only; removed at the end of the scope.
 class CProgressLine {
 public:
     // `out` is used until the end of the scope. `hidden` for a terminal that shows something else.
@@ -21,8 +21,8 @@ public:
     void Reach(unsigned percent);
     // What the run is at now.
     void Enter(std::wstring_view name);
-    // One more item.
-    void Count(uint64_t bytes);
+    // One more item, or several at once.
+    void Count(const Amount& amount);
 
     // Takes the line off the terminal; the next change draws it again.
     void Remove() noexcept;

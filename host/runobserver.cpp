@@ -1,5 +1,7 @@
 #include "host/runobserver.h"
 
+#include <utility>
+
 namespace {
 
 // A node travels through the notifications as a number.
@@ -8,18 +10,26 @@ std::wstring NameOf(uint64_t node) {
     return reinterpret_cast<Node*>(node)->GetInfo()->NameText;
 }
 
-// A rule that was emptied at once, such as a recycle bin, reports no path.
-std::wstring ShownPath(const wchar_t* path) {
-    return *path ? path : L"(everything that the rule found)";
-}
-
 }  // namespace
 
-CRunObserver::CRunObserver(CConsole& console, const CCancel& cancel, bool listItems)
-    : m_console(console),
+CRunObserver::CRunObserver(IDregsweep& engine, CConsole& console, const CCancel& cancel, bool listItems)
+    : m_engine(engine),
+      m_console(console),
       m_cancel(cancel),
       m_listItems(listItems),
-      m_progress(console.err, /*hidden=*/listItems && console.out.IsTerminal()) {}
+      m_progress(console.err, /*hidden=*/listItems && console.out.IsTerminal()),
+      m_itemsLeft(engine.GetTotalCount()) {}
+
+ExitStatus CRunObserver::Run(bool (IDregsweep::*run)(IDregsweepCallback*)) {
+    const bool finished = (m_engine.*run)(this);
+    m_progress.Remove();
+    if (finished) return ExitStatus::Done;
+    const bool stopped = m_cancel.Requested();
+    m_console.err.Line(stopped
+                           ? L"dsw: stopped, the result is that of the part that was done"
+                           : L"dsw: the engine gave up, memory ran out: the result is that of the part that was done");
+    return stopped ? ExitStatus::Stopped : ExitStatus::Failed;
+}
 
 bool CRunObserver::StepNotify1(uint64_t node) {
     m_progress.Enter(m_application + L": " + NameOf<IGarbageCatagory>(node));
@@ -43,30 +53,41 @@ bool CRunObserver::Progress(uint32_t begin, uint32_t /*end*/) {
 }
 
 bool CRunObserver::FoundItem(const wchar_t* path, uint64_t size, uint64_t category) {
-    m_progress.Count(size);
-    List(L"found", path, size, category);
+    const Amount amount = {1, size};
+    m_progress.Count(amount);
+    if (m_listItems) List({path, amount, ItemState::Found}, category);
     return GoOn();
 }
 
 bool CRunObserver::EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) {
-    m_progress.Count(size);
-    if (removed) {
-        m_deleted[category] += {1, size};
-    } else {
-        m_refused.push_back(ShownPath(path));
-    }
-    List(removed ? L"deleted" : L"not deleted", ShownPath(path), size, category);
+    const uint64_t left = ItemsThatLeft();
+    // A recycle bin is reported once for all that was in it, also for nothing.
+    const Amount amount = {removed && !*path ? left : 1, size};
+    if (amount.items == 0) return GoOn();
+    const ReportedItem item = {path, amount, removed ? ItemState::Deleted : WhyNotDeleted(path)};
+    m_progress.Count(amount);
+    if (m_listItems) List(item, category);
+    m_reported[category].push_back(item);
     return GoOn();
 }
 
-void CRunObserver::List(const wchar_t* what, const std::wstring& path, uint64_t size, uint64_t category) {
-    if (!m_listItems) return;
-    if (category != m_listedCategory) m_console.out.Line(m_application + L": " + NameOf<IGarbageCatagory>(category));
-    m_listedCategory = category;
-    m_console.out.Line(L"    " + std::wstring(what) + L"  " + path + L"  " + std::to_wstring(size));
+// The engine takes what is deleted out of its totals before it reports it.
+uint64_t CRunObserver::ItemsThatLeft() {
+    const uint64_t now = m_engine.GetTotalCount();
+    const uint64_t before = std::exchange(m_itemsLeft, now);
+    return before > now ? before - now : 0;
 }
 
-Amount CRunObserver::Deleted(IGarbageCatagory& category) const {
-    const auto entry = m_deleted.find(reinterpret_cast<uint64_t>(&category));
-    return entry == m_deleted.end() ? Amount() : entry->second;
+void CRunObserver::List(const ReportedItem& item, uint64_t category) {
+    if (category != m_listedCategory) m_console.out.Line(m_application + L": " + NameOf<IGarbageCatagory>(category));
+    m_listedCategory = category;
+    const std::wstring path = item.path.empty() ? L"(all of it, " + ItemCount(item.amount.items) + L")" : item.path;
+    m_console.out.Line(L"    " + std::wstring(Text(item.state)) + L"  " + path + L"  "
+                       + std::to_wstring(item.amount.bytes));
+}
+
+const std::vector<ReportedItem>& CRunObserver::Reported(IGarbageCatagory& category) const {
+    static const std::vector<ReportedItem> kNothing;
+    const auto entry = m_reported.find(reinterpret_cast<uint64_t>(&category));
+    return entry == m_reported.end() ? kNothing : entry->second;
 }

@@ -7,15 +7,27 @@
 
 #include "dregsweep/idregsweep.h"
 #include "host/cancel.h"
+#include "host/exitstatus.h"
+#include "host/itemstate.h"
 #include "host/progressline.h"
 
-// What the host does with the notifications of one run: shows progress, lists items, counts what was deleted, and
+// An item that a clean reported.
+struct ReportedItem {
+    std::wstring path;  // empty: all that the rule had found, such as the content of a recycle bin
+    Amount amount;
+    ItemState state;
+};
+
+// What the host does with the notifications of one run: shows progress, lists items, keeps what a clean reports, and
 // passes on the user's wish to stop.
 class CRunObserver final : public IDregsweepCallback {
 public:
     // Items go to the standard output, each under its category, as they are reported; they take the place of the
     // progress line where both would share a terminal.
-    CRunObserver(CConsole& console, const CCancel& cancel, bool listItems);
+    CRunObserver(IDregsweep& engine, CConsole& console, const CCancel& cancel, bool listItems);
+
+    // Does the run, IDregsweep::Gather or Clean, and tells on the error output when it did not go to its end.
+    ExitStatus Run(bool (IDregsweep::*run)(IDregsweepCallback*));
 
     bool StepNotify1(uint64_t node) override;
     bool StepNotify2(uint64_t node) override;
@@ -25,24 +37,21 @@ public:
     bool Reserved() override { return GoOn(); }
     bool EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) override;
 
-    // Takes the progress line away before something else is printed.
-    void Finish() noexcept { m_progress.Remove(); }
-
-    // What was reported as deleted from one garbage category.
-    Amount Deleted(IGarbageCatagory& category) const;
-    // The items that were reported as not deleted, in order.
-    const std::vector<std::wstring>& Refused() const noexcept { return m_refused; }
+    // What a clean reported of one garbage category, in order.
+    const std::vector<ReportedItem>& Reported(IGarbageCatagory& category) const;
 
 private:
     bool GoOn() const noexcept { return !m_cancel.Requested(); }
-    void List(const wchar_t* what, const std::wstring& path, uint64_t size, uint64_t category);
+    uint64_t ItemsThatLeft();
+    void List(const ReportedItem& item, uint64_t category);
 
+    IDregsweep& m_engine;
     CConsole& m_console;
     const CCancel& m_cancel;
     const bool m_listItems;
     CProgressLine m_progress;
     std::wstring m_application;
     uint64_t m_listedCategory = 0;
-    std::unordered_map<uint64_t, Amount> m_deleted;  // by the category's pointer, as notifications carry it
-    std::vector<std::wstring> m_refused;
+    uint64_t m_itemsLeft;  // in the engine's totals, before the next report
+    std::unordered_map<uint64_t, std::vector<ReportedItem>> m_reported;  // by the category's pointer
 };

@@ -1,6 +1,10 @@
 #include "host/treeview.h"
 
-#include "host/children.h"
+#include <algorithm>
+#include <vector>
+
+#include "host/columns.h"
+#include "host/treewalk.h"
 
 namespace {
 
@@ -10,30 +14,30 @@ const wchar_t* CheckBox(uint32_t state) noexcept {
     return state == SelectionAll ? L"[x] " : L"[-] ";
 }
 
-void PrintNode(COutput& out, size_t depth, uint32_t state, const std::wstring& name) {
-    out.Line(std::wstring(depth * 4, L' ') + CheckBox(state) + name);
+template <class Node>
+std::wstring Label(Node& node, const std::wstring& /*path*/) {
+    return node.GetInfo()->NameText;
 }
 
-void PrintGarbageCategory(COutput& out, IGarbageCatagory& category) {
-    PrintNode(out, 2, category.GetState(), category.GetInfo()->NameText);
-    unsigned number = 0;
-    for (const auto& rule : Children(category))
-        PrintNode(out, 3, rule->GetState(), L"rule " + std::to_wstring(++number));
+std::wstring Label(IAppGarbageInfo& app, const std::wstring& /*path*/) {
+    return app.GetInfo()->NameText + std::wstring(app.IsAppPresent() ? L" (present)" : L" (not present)");
 }
 
-void PrintApplication(COutput& out, IAppGarbageInfo& app) {
-    PrintNode(out, 1, app.GetState(),
-              app.GetInfo()->NameText + std::wstring(app.IsAppPresent() ? L" (present)" : L" (not present)"));
-    for (const auto& category : Children(app))
-        PrintGarbageCategory(out, *category);
+std::wstring Label(IGarbageInfo& /*rule*/, const std::wstring& path) {
+    return L"rule " + path.substr(path.rfind(L'/') + 1);
 }
 
 }  // namespace
 
-void PrintTree(COutput& out, IDregsweep& engine) {
-    for (const auto& category : Children(engine)) {
-        PrintNode(out, 0, category->GetState(), category->GetInfo()->NameText);
-        for (const auto& app : Children(*category))
-            PrintApplication(out, *app);
-    }
+void PrintTree(COutput& out, const CEngine& engine) {
+    std::vector<std::pair<std::wstring, std::wstring>> rows;
+    size_t columns = 0;
+    WalkTree(*engine, [&](auto& node, size_t depth) {
+        const std::wstring& path = engine.Paths().Of(node);
+        rows.emplace_back(std::wstring(depth * 4, L' ') + CheckBox(node.GetState()) + Label(node, path), path);
+        columns = std::max(columns, Columns(rows.back().first));
+        return true;
+    });
+    for (const auto& [label, path] : rows)
+        out.Line(PadRight(label, columns) + L"  " + path);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dregsweep/idregsweep.h"
 #include "host/console.h"
+#include "host/engine.h"
 
-// Prints the four levels with their check boxes: [x] all selected, [-] partly, [ ] none. Rules have no names of their
-// own and are numbered.
-void PrintTree(COutput& out, IDregsweep& engine);
+// Prints the four levels with their check boxes: [x] all selected, [-] partly, [ ] none. Behind each node stands its
+// path, for selecting.
+void PrintTree(COutput& out, const CEngine& engine);

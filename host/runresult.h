@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/engine.h"
+#include "host/runobserver.h"
+
+// What came of the runs so far, for one node of the upper three levels or, without a name, for the whole tree.
+struct RunResult {
+    std::wstring name;
+    std::wstring path;                // see CNodePaths
+    Amount found;                     // all that was found
+    Amount deleted;                   // what was reported as deleted, and nothing else
+    Amount left;                      // the rest
+    std::vector<RunResult> children;  // those that have anything, largest first
+    std::vector<ReportedItem> items;  // of the third level, when asked for: reported ones, then those that were not
+};
+
+// `clean` is the observer of the clean, or null when there was none.
+RunResult CollectResult(const CEngine& engine, const CRunObserver* clean, bool withItems);

@@ -1,0 +1,93 @@
+#include "host/selection.h"
+
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <utility>
+
+#include "host/hosterror.h"
+#include "host/nodepaths.h"
+#include "host/treewalk.h"
+
+namespace {
+
+using Kind = SelectionStep::Kind;
+
+// What stands below a deselected node is off, whatever the rule file says of it. Make the states say so, too: the
+// engine derives the state of the node from them when one of them is selected, and the others would come on with it.
+void SwitchOffBelowDeselected(IDregsweep& engine) {
+    WalkTree(engine, [](auto& node, size_t) {
+        if (node.GetState() != SelectionNone) return true;
+        node.SetState(SelectionNone);
+        return false;
+    });
+}
+
+template <class Node>
+void Set(Node& node, bool selected) {
+    // A rule file may give a node a full check box and switch off what is below: toggled twice, all of it is on.
+    if (selected) node.Toggle();
+    while (node.GetState() != (selected ? SelectionAll : SelectionNone))
+        node.Toggle();
+}
+
+void SetAll(IDregsweep& engine, bool selected) {
+    engine.SetAllChecked(false);
+    if (selected) engine.SetAllChecked(true);
+}
+
+}  // namespace
+
+void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
+    const auto add = [&](const char* name, Kind kind, const char* description) {
+        const auto append = [&steps, kind](const std::string& pattern) { steps.push_back({kind, pattern}); };
+        command.add_option_function<std::string>(name, append, description)
+            ->type_name("PATTERN")
+            ->group("Selecting (in the order given)")
+            ->trigger_on_parse();
+    };
+    const auto addFlag = [&](const char* name, Kind kind, const char* description) {
+        command
+            .add_flag_callback(
+                name,
+                [&steps, kind] {
+                    steps.push_back({kind, {}});
+                },
+                description)
+            ->group("Selecting (in the order given)")
+            ->trigger_on_parse();
+    };
+    addFlag("--all", Kind::All, "Select everything");
+    addFlag("--none", Kind::None, "Select nothing");
+    add("--only", Kind::Only, "Select what matches and nothing else; a further one adds");
+    add("--select", Kind::Select, "Select what matches, too");
+    add("--deselect", Kind::Deselect, "Deselect what matches");
+}
+
+void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
+                    const CNodePaths& localised) {
+    bool isFirstOnly = true;
+    for (const auto& [kind, pattern] : steps) {
+        if (kind == Kind::All || kind == Kind::None) {
+            SetAll(engine, kind == Kind::All);
+            continue;
+        }
+        if (kind == Kind::Only && std::exchange(isFirstOnly, false)) SetAll(engine, false);
+        SwitchOffBelowDeselected(engine);
+        const CString wanted = Utf8ToWide(pattern);
+        const auto matches = [&wanted](const std::wstring& path) {
+            return PathMatchSpecExW(path.c_str(), wanted.c_str(), PMSF_NORMAL | PMSF_DONT_STRIP_SPACES) == S_OK;
+        };
+        bool found = false;
+        WalkTree(engine, [&, selected = kind != Kind::Deselect](auto& node, size_t) {
+            if (!matches(original.Of(node)) && !matches(localised.Of(node))) return true;
+            found = true;
+            Set(node, selected);
+            return false;
+        });
+        if (!found)
+            throw CHostError(L"nothing matches the pattern \"" + wanted + L"\": dsw list shows the paths to match",
+                             ExitStatus::WrongUsage);
+    }
+}

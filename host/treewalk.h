@@ -1,0 +1,19 @@
+#pragma once
+
+#include <type_traits>
+
+#include "dregsweep/idregsweep.h"
+#include "host/children.h"
+
+// Visits every node below `node`, each before its own children. `visit` takes the node, by its own interface, and its
+// depth, `depth` for the first level, and tells whether to go below. It may toggle: the children of a node are
+// collected before the first of them is visited.
+template <class I, class Visit>
+void WalkTree(CGatherIteratorProc<I>& node, const Visit& visit, size_t depth = 0) {
+    for (const auto& child : Children(node)) {
+        const bool goBelow = visit(*child, depth);
+        if constexpr (!std::is_same_v<I, IGarbageInfo>) {
+            if (goBelow) WalkTree(*child, visit, depth + 1);
+        }
+    }
+}
