@@ -3,6 +3,8 @@
 #include "host/gathercommand.h"
 #include "host/hosterror.h"
 #include "host/listcommand.h"
+#include "host/updatecommand.h"
+#include "host/upgradeleftoverscommand.h"
 
 namespace {
 
@@ -19,6 +21,8 @@ void AddCommands(CLI::App& app, CommandAction& action) {
     AddGatherCommand(app, action, /*upgradeMode=*/false);
     AddCleanCommand(app, action, /*upgradeMode=*/false);
     AddCheckCommand(app, action);
+    AddUpdateCommand(app, action);
+    AddUpgradeLeftoversCommand(app, action);
 }
 
 // Help and the version are for the standard output and no error; everything else is wrong usage, told in one line.
