@@ -48,7 +48,7 @@ void PrintResult(COutput& out, const RunResult& result) {
     reasons += PrintNotDeleted(out, result, ItemState::Refused, L"Refused (read-only, or the access rights):");
     reasons += PrintNotDeleted(out, result, ItemState::Gone, L"Gone before they could be deleted:");
     reasons += PrintNotDeleted(out, result, ItemState::NotTried, L"Not tried (not reached, or beside dsw.exe):");
-    if (!reasons.empty()) reasons = L" (" + reasons.substr(2) + L")";
+    if (!reasons.empty()) reasons = L":" + reasons.substr(1);
     out.Line(L"Freed " + FullSize(result.deleted.bytes) + L" in " + ItemCount(result.deleted.items) + L"; not deleted: "
              + ItemCount(result.left.items) + L", " + FullSize(result.left.bytes) + reasons + L".");
 }

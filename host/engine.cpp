@@ -2,18 +2,27 @@
 
 #include <tinyxml.h>
 
-#include <cstdio>
-#include <memory>
-
 #include "host/hosterror.h"
 #include "sysservices/xmldocument.h"
 
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+// Where a command's engine comes from.
+struct Source {
+    const char* factory;
+    CString rules;
+    CString text;           // empty: none
+    const wchar_t* remedy;  // when there are no rules
 };
-using File = std::unique_ptr<std::FILE, FileCloser>;
+
+Source SourceOf(const EngineOptions& options) {
+    if (!options.upgradeMode)
+        return {"GetImp", Utf8ToWide(options.rules), Utf8ToWide(options.text), L"check the path after --rules"};
+    const CString folder = ExecutableFolder();
+    CString text = JoinPath(folder, L"ResIDText.xml");
+    if (GetFileAttributesW(text.c_str()) == INVALID_FILE_ATTRIBUTES) text.clear();
+    return {"GetSysUpgradeClearImp", JoinPath(folder, L"SysUpgradeConfig.xml"), text, L"put it beside dsw.exe"};
+}
 
 // The engine takes a file that is missing or no XML for an empty one, so look before it does. `name` and `remedy` are
 // for the message.
@@ -21,11 +30,10 @@ void RequireXml(const CString& path, const CString& name, const CString& remedy)
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) throw CHostError(L"cannot find " + name + L": " + remedy);
     if (attributes & FILE_ATTRIBUTE_DIRECTORY) throw CHostError(name + L" is a folder: " + remedy);
-    if (!File(_wfopen(path.c_str(), L"rb")))
-        throw CHostError(L"cannot open " + name + L": another program holds it, or you may not read it");
     TiXmlDocument document;
     if (LoadXmlDocument(path.c_str(), document)) return;
-    if (!document.Error()) throw CHostError(name + L" is empty, open for writing elsewhere, or nested too deeply");
+    if (!document.Error())
+        throw CHostError(L"cannot read " + name + L": it is empty, open in another program, or nested too deeply");
     CString line;
     if (document.ErrorRow() > 0) line = L", line " + std::to_wstring(document.ErrorRow()) + L",";
     throw CHostError(name + line + L" is no well-formed XML: " + Utf8ToWide(document.ErrorDesc()));
@@ -36,23 +44,13 @@ void RequireXml(const CString& path, const CString& name, const CString& remedy)
                      + L" has no category, or one that cannot be loaded: give each level its \"Name\"");
 }
 
-CReference<IDregsweep> LoadRules(const CEngineModule& module, const CString& rules) {
-    RequireXml(rules, L"the rule file " + rules, L"check the path after --rules");
-    CReference<IDregsweep> engine = module.CreateEngine("GetImp");
-    if (!engine) throw CHostError(L"the engine gave no object: is Dregsweep.dll the one of this dsw.exe?");
-    // The names come in a step of their own, which tells whether the file has any; an empty path is no file.
-    const uint64_t code = engine->Init(rules.c_str(), L"", nullptr);
+// The names come in a step of their own, which tells whether their file has any; an empty path is no file.
+void LoadRules(IDregsweep& engine, const CString& rules) {
+    const uint64_t code = engine.Init(rules.c_str(), L"", nullptr);
     if (code == kDregsweepConfigFailed) ThrowUnusable(rules);
     if (code != 0) throw CHostError(L"the engine refuses to start, code " + std::to_wstring(code));
-    return engine;
-}
-
-// This engine has loaded its files already.
-CReference<IDregsweep> LoadUpgradeRules(const CEngineModule& module, const CString& rules) {
-    RequireXml(rules, L"the rule file " + rules, L"put it beside dsw.exe");
-    CReference<IDregsweep> engine = module.CreateEngine("GetSysUpgradeClearImp");
-    if (!engine) ThrowUnusable(rules);
-    return engine;
+    if (!CReference<IAppCatagory>(engine.GetFirstCategory()))
+        throw CHostError(L"the rule file " + rules + L" holds no rules: its root needs \"AppCategoryInfo\" elements");
 }
 
 void LoadNames(IDregsweep& engine, const CString& text) {
@@ -64,13 +62,15 @@ void LoadNames(IDregsweep& engine, const CString& text) {
 }  // namespace
 
 CEngine::CEngine(const EngineOptions& options) {
-    const CString rules =
-        options.upgradeMode ? JoinPath(ExecutableFolder(), L"SysUpgradeConfig.xml") : Utf8ToWide(options.rules);
-    m_engine = options.upgradeMode ? LoadUpgradeRules(m_module, rules) : LoadRules(m_module, rules);
-    if (!CReference<IAppCatagory>(m_engine->GetFirstCategory()))
-        throw CHostError(L"the rule file " + rules + L" holds no rules: its root needs \"AppCategoryInfo\" elements");
+    const Source source = SourceOf(options);
+    RequireXml(source.rules, L"the rule file " + source.rules, source.remedy);
+    m_engine = m_module.CreateEngine(source.factory);
+    if (!m_engine) ThrowUnusable(source.rules);
+    // The engine of the upgrade mode has loaded its files already: once more, to see the names of the rule file.
+    m_engine->Uninit();
+    LoadRules(*m_engine, source.rules);
     m_paths.emplace(*m_engine);
-    if (!options.text.empty()) LoadNames(*m_engine, Utf8ToWide(options.text));
+    if (!source.text.empty()) LoadNames(*m_engine, source.text);
     for (const std::string& prefix : options.allowed)
         m_engine->AddAllowedPath(Utf8ToWide(prefix).c_str());
     ApplySelection(*m_engine, options.selection, Paths(), CNodePaths(*m_engine));

@@ -18,7 +18,7 @@ public:
     IDregsweep* operator->() const noexcept { return m_engine.get(); }
     IDregsweep& operator*() const noexcept { return *m_engine; }
 
-    // By the names of the rule file, whatever the language shown; in upgrade mode by the names shown.
+    // By the names of the rule file, whatever the language shown.
     const CNodePaths& Paths() const noexcept { return *m_paths; }
 
 private:

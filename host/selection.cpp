@@ -24,6 +24,15 @@ void SwitchOffBelowDeselected(IDregsweep& engine) {
     });
 }
 
+// When the engine derives the state of a category, applications that are not present do not count: one of them that is
+// still selected would be lost with the last of the others.
+void KeepAbsentSelected(IDregsweep& engine) {
+    for (const auto& category : Children(engine))
+        for (const auto& app : Children(*category))
+            if (category->GetState() == SelectionNone && app->GetState() != SelectionNone)
+                category->Recompute(app->GetState());
+}
+
 template <class Node>
 void Set(Node& node, bool selected) {
     // A rule file may give a node a full check box and switch off what is below: toggled twice, all of it is on.
@@ -86,6 +95,7 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
             Set(node, selected);
             return false;
         });
+        KeepAbsentSelected(engine);
         if (!found)
             throw CHostError(L"nothing matches the pattern \"" + wanted + L"\": dsw list shows the paths to match",
                              ExitStatus::WrongUsage);

@@ -145,8 +145,8 @@ run_dsw() {
     [ "$status" = 0 ] || fail "dsw $1 returned $status"
 }
 
-# The Windows paths of the items that the last dsw named with the given word, as paths below the drive.
-named_items() { sed -nE "s/^    $1  C:(.*)  [0-9]+\$/\1/p" "$work/output" | tr '\\' / | sed 's,^/,,' | sort; }
+# The Windows paths of the items that the last dsw named with the given words, as paths below the drive.
+named_items() { sed -nE "s/^    ($1)  C:(.*)  [0-9]+\$/\2/p" "$work/output" | tr '\\' / | sed 's,^/,,' | sort; }
 
 snapshot() {
     find "$drive" -type f -printf '%P\n' | sort >"$work/files.$1"
@@ -169,7 +169,7 @@ check_cleaned() {
     same "items reported as deleted" "$work/expected" "$work/deleted"
     comm -23 "$work/files.before" "$work/files.after" >"$work/vanished"
     same "files that vanished, on the whole drive" "$work/expected" "$work/vanished"
-    named_items 'not deleted' >"$work/refused"
+    named_items 'in use|refused' >"$work/refused"
     sort "$work/stay" >"$work/expected"
     same "items reported as not deleted" "$work/expected" "$work/refused"
     same "folders, on the whole drive" "$work/folders.before" "$work/folders.after"

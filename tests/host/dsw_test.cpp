@@ -1,12 +1,19 @@
 #include <windows.h>
 #include <gmock/gmock.h>
+#include <wininet.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <tuple>
 
-#include "host/gathercommand.h"
+#include "host/engine.h"
+#include "host/runobserver.h"
+#include "host/updatecommand.h"
 #include "sysservices/handle.h"
-#include "sysservices/text.h"
+#include "tests/support/iatpatch.h"
+#include "tests/support/loopbackhttp.h"
 #include "tests/support/tempfolder.h"
 
 using testing::HasSubstr;
@@ -45,26 +52,46 @@ protected:
         return status;
     }
 
-    // A rule over the folder "junk", in a file whose name the command line must carry unharmed.
+    // Rules over the folder "junk", in a file whose name the command line must carry unharmed.
     std::wstring WriteRules() const {
         return m_folder.Write(L"Règles 规则.xml", R"(<R><AppCategoryInfo Name="Système" SelState="1" ResID="S">
             <AppInfo Name="Da" InBuildProgram="1" SelState="2"><GarbageCatagory Name="临时文件">
               <GarbageInfo FolderEnvDir="DSW_TEST" Path="junk" IsFolder="1" Iteration="1"/>
               <GarbageInfo Registry="1" SelState="0"/></GarbageCatagory></AppInfo>
-            <AppInfo Name="Fort" ProductName="none such" SelState="0"/></AppCategoryInfo></R>)");
+            <AppInfo Name="Fort" ProductName="none such" SelState="0"><GarbageCatagory Name="Again" SelState="2">
+              <GarbageInfo FolderEnvDir="DSW_TEST" Path="junk" IsFolder="1"/></GarbageCatagory>
+              <GarbageCatagory Name="again" SelState="2"/></AppInfo></AppCategoryInfo></R>)");
     }
     std::wstring Rules() const { return L"--rules \"" + WriteRules() + L"\" "; }
+
+    std::map<std::string, uint64_t> Junk() const {
+        std::map<std::string, uint64_t> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder / L"junk"))
+            if (entry.is_regular_file()) files[WideToUtf8(entry.path().wstring())] = entry.file_size();
+        return files;
+    }
 
     TempFolder m_folder;
     std::string m_out, m_err;
 };
 
+// The platform of the tests lacks the one, and answers the other in its own time.
+DWORD WINAPI TellSize(HINTERNET request, LONG, PVOID, DWORD, DWORD_PTR) {
+    DWORD size = 0, length = sizeof size;
+    HttpQueryInfoW(request, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &size, &length, nullptr);
+    return size;
+}
+HINTERNET WINAPI OpenUnlessAsync(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags) {
+    return flags == INTERNET_FLAG_ASYNC ? nullptr : InternetOpenW(agent, access, proxy, bypass, flags);
+}
+
 }  // namespace
 
 TEST_F(Dsw, TellsInOneLineWhatIsWrong) {
-    m_folder.Write(L"broken.xml", "<R><AppCategoryInfo");
+    m_folder.Write(L"broken.xml", "<R>\n<AppCategoryInfo");
     m_folder.Write(L"foreign.xml", "<R><Other/></R>");
     const auto file = [&](const wchar_t* name) { return L"list --rules \"" + (m_folder / name) + L"\""; };
+    const std::wstring update = L"update --list http://127.0.0.1:9/list.txt --to ";
     const struct {
         std::wstring arguments;
         DWORD status;
@@ -72,62 +99,143 @@ TEST_F(Dsw, TellsInOneLineWhatIsWrong) {
     } rows[] = {
         {L"", 2, "subcommand is required"},
         {L"clean " + Rules() + L"--bogus", 2, "--bogus"},
+        {L"clean --json " + Rules(), 2, "add --yes to delete, or --dry-run"},
+        {L"clean --only da --yes " + Rules(), 2, "nothing matches the pattern \"da\""},
         {file(L"Fehlt ä.xml"), 1, "Fehlt ä.xml: check the path after --rules"},
         {file(L"."), 1, "is a folder"},
-        {file(L"broken.xml"), 1, "broken.xml holds no rules"},
+        {file(L"broken.xml"), 1, "broken.xml, line 2, is no well-formed XML"},
+        {file(L"foreign.xml"), 1, "\"AppCategoryInfo\""},
         {L"gather " + Rules() + L"--text C:\\none.xml", 1, "C:\\none.xml: check the path after --text"},
+        {L"gather " + Rules() + L"--text " + m_folder.Write(L"plain.xml"), 1, "plain.xml is no well-formed XML"},
         {L"list " + Rules() + L"--text \"" + (m_folder / L"foreign.xml") + L"\"", 1, "\"Dregsweep\""},
+        {L"upgrade-leftovers gather", 1, "SysUpgradeConfig.xml: put it beside dsw.exe"},
+        {update + m_folder.path(), 1, "list.txt: the server did not deliver: check the address"},
+        {update + (m_folder / L"none"), 1, "none: make it, or check the path after --to"},
+        {update + L"\\\\?\\unix\\proc", 1, "cannot write into the folder"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Run(row.arguments), row.status) << WideToUtf8(row.arguments);
         EXPECT_THAT(m_err, HasSubstr(row.message)) << WideToUtf8(row.arguments);
         EXPECT_EQ(std::count(m_err.begin(), m_err.end(), '\n'), 1) << m_err;
-        EXPECT_EQ(m_out, "");
+        EXPECT_TRUE(m_out.empty() || m_out == "Installed version: 1\n") << m_out;
     }
 }
 
-TEST_F(Dsw, ListsAndGathersWithoutDeletingAndWithoutControlCharacters) {
+TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
     const std::wstring names = m_folder.Write(L"names.xml", "<T><Dregsweep><S>Σύστημα</S></Dregsweep></T>");
-    EXPECT_EQ(Run(L"list " + Rules() + L"--text \"" + names + L"\""), 0U) << m_err;
+    const std::wstring list = L"list " + Rules() + L"--text \"" + names + L"\" ";
+    EXPECT_EQ(Run(list), 0U) << m_err;
     EXPECT_EQ(m_out,
-              "[-] Σύστημα\n"
-              "    [x] Da (present)\n"
-              "        [x] 临时文件\n"
-              "            [x] rule 1\n"
-              "            [ ] rule 2\n"
-              "    [ ] Fort (not present)\n");
+              "[-] Σύστημα                 Système\n"
+              "    [x] Da (present)        Système/Da\n"
+              "        [x] 临时文件        Système/Da/临时文件\n"
+              "            [x] rule 1      Système/Da/临时文件/1\n"
+              "            [ ] rule 2      Système/Da/临时文件/2\n"
+              "    [ ] Fort (not present)  Système/Fort\n"
+              "        [x] Again           Système/Fort/Again\n"
+              "            [x] rule 1      Système/Fort/Again/1\n"
+              "        [x] again           Système/Fort/again#2\n");
+    // The boxes of the lines above. What is off comes on only when it is named; an absent application stays selected.
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        {L"--all --deselect */da", "-    xxxx"},
+        {L"--deselect */da --all", "xxxxxxxxx"},
+        {L"--none --select ΣΎΣΤΗΜΑ/fort/again", "-    -xx "},
+        {L"--deselect */临时文件/1 --only *#2 --only */1", "---x xxxx"},
+    };
+    for (const auto& [options, expected] : rows) {
+        EXPECT_EQ(Run(list + options), 0U) << m_err;
+        std::string boxes;
+        for (size_t at = 0; (at = m_out.find('[', at)) != m_out.npos; ++at)
+            boxes += m_out[at + 1];
+        EXPECT_EQ(boxes, expected) << WideToUtf8(options);
+    }
+}
+
+TEST_F(Dsw, LooksWithoutDeletingAndWithoutControlCharacters) {
     const std::wstring file = m_folder.Write(L"junk\\ünter\\日本 и.tmp", std::string(2000, 'x'));
-    EXPECT_EQ(Run(L"gather --items " + Rules()), 0U) << m_err;
+    EXPECT_EQ(Run(L"clean --items --dry-run --allow C:\\ " + Rules()), 0U) << m_err;
     EXPECT_THAT(m_out, HasSubstr("Da: 临时文件\n    found  " + WideToUtf8(file) + "  2000\n"));
     EXPECT_THAT(m_out, HasSubstr("Found 1 item, 1.9 KB (2,000 bytes).\n"));
-    EXPECT_EQ(m_out.find_first_of("\r\x1b"), std::string::npos);
+    EXPECT_EQ((m_out + m_err).find_first_of("\r\x1b"), std::string::npos);
+    EXPECT_EQ(Run(L"gather --allow C:\\none " + Rules()), 0U);
+    EXPECT_THAT(m_out, HasSubstr("Found 0 items"));
     EXPECT_TRUE(m_folder.Has(L"junk\\ünter\\日本 и.tmp"));
 }
 
 TEST_F(Dsw, CleansOnlyAfterYesAndCountsOnlyWhatIsGone) {
     m_folder.Write(L"junk\\a", std::string(1500, 'x'));
     SetFileAttributesW(m_folder.Write(L"junk\\stays", "12345").c_str(), FILE_ATTRIBUTE_READONLY);
-    for (const char* answer : {"", "\n", "n\n", "yesterday\n"}) {
+    for (const char* answer : {"", "n\n", "yesterday\n"}) {
         EXPECT_EQ(Run(L"clean " + Rules(), answer), 3U) << answer;
         EXPECT_TRUE(m_folder.Has(L"junk\\a")) << answer;
     }
     EXPECT_EQ(Run(L"clean " + Rules(), "Yes\r\n"), 0U);
     EXPECT_TRUE(!m_folder.Has(L"junk\\a") && m_folder.Has(L"junk\\stays"));
-    EXPECT_THAT(m_out, HasSubstr("In use, refused or gone:\n  " + WideToUtf8(m_folder / L"junk\\stays") + "\n"));
-    EXPECT_THAT(m_out, HasSubstr("Freed 1.4 KB (1,500 bytes) in 1 item; not deleted: 1 item, 5 bytes.\n"));
-    EXPECT_EQ(Run(L"clean --yes " + Rules()), 0U);
-    // Nobody is asked, and a deleted item does not count as found again.
-    EXPECT_THAT(m_out, HasSubstr("Freed 0 bytes in 0 items; not deleted: 1 item, 5 bytes.\n"));
-    EXPECT_EQ(m_out.find("[y/N]"), std::string::npos);
+    EXPECT_THAT(m_out, HasSubstr("rights):\n  " + WideToUtf8(m_folder / L"junk\\stays") + "\n"));
+    EXPECT_THAT(m_out, HasSubstr("Freed 1.4 KB (1,500 bytes) in 1 item; not deleted: 1 item, 5 bytes: 1 refused.\n"));
+}
+
+TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
+    m_folder.Write(L"junk\\a", std::string(1500, 'x'));
+    m_folder.Write(L"junk\\ünter\\日本.tmp", "123");
+    m_folder.Write(L"junk\\empty", "");
+    SetFileAttributesW(m_folder.Write(L"junk\\fixed", "12345").c_str(), FILE_ATTRIBUTE_READONLY);
+    const CHandle held(
+        CreateFileW(m_folder.Write(L"junk\\held").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, {}));
+    auto before = Junk();
+    EXPECT_EQ(Run(L"clean --yes --json --select */fort " + Rules()), 0U) << m_err;
+    const auto json = nlohmann::json::parse(m_out);
+    std::map<std::string, std::string> others;
+    uint64_t sum = 0;
+    for (const auto& app : json["categories"][0]["applications"])
+        for (const auto& item : app["garbageCategories"][0]["items"]) {
+            const std::string path = item["path"];
+            if (item["state"] != "deleted") {
+                others[path.substr(path.rfind('\\') + 1)] += item["state"];
+                continue;
+            }
+            EXPECT_EQ(item["bytes"], before[path]) << path;
+            sum += before[path];
+            before.erase(path);
+        }
+    EXPECT_EQ(before, Junk());
+    EXPECT_EQ(json["deleted"], (nlohmann::json{{"count", 3}, {"bytes", sum}}));
+    // The second rule found the same files.
+    EXPECT_EQ(others, (std::map<std::string, std::string>{
+                          {"a", "gone"}, {"empty", "gone"}, {"fixed", "refusedrefused"}, {"held", "in usein use"}}));
 }
 
 TEST_F(Dsw, StopsARunAtTheNextNotification) {
     m_folder.Write(L"junk\\a");
     CConsole console;
     const CCancel cancel;
-    CEngine engine({WideToUtf8(WriteRules()), {}});
+    EngineOptions options;
+    options.rules = WideToUtf8(WriteRules());
+    const CEngine engine(options);
+    CRunObserver observer(*engine, console, cancel, /*listItems=*/false);
     EXPECT_TRUE(CCancel::Request());
-    EXPECT_EQ(RunGather(engine, console, cancel, /*listItems=*/false), ExitStatus::Stopped);
+    EXPECT_EQ(observer.Run(&IDregsweep::Gather), ExitStatus::Stopped);
     EXPECT_EQ(engine->GetTotalCount(), 0U);
     EXPECT_FALSE(CCancel::Request()) << "a second one may end the process at once";
+}
+
+TEST_F(Dsw, UpdatesOnlyToANewerVersion) {
+    const CEngineModule module;
+    const HMODULE dll = GetModuleHandleW(L"Dregsweep.dll");
+    const IatPatch seek(dll, nullptr, "InternetSetFilePointer", reinterpret_cast<const void*>(TellSize));
+    const IatPatch open(dll, nullptr, "InternetOpenW", reinterpret_cast<const void*>(OpenUnlessAsync));
+    ASSERT_TRUE(seek.ok() && open.ok());
+    LoopbackHttp server;
+    server.Serve("/v", {"7\n"});
+    server.Serve("/list.txt", {"rules.xml\r\n"});
+    server.Serve("/rules.xml", {"<R/>"});
+    m_folder.Write(L"rules.xml", "old");
+    CConsole console;
+    const UpdateOptions options = {WideToUtf8(server.Url(L"/list.txt")), WideToUtf8(m_folder.path()),
+                                   WideToUtf8(server.Url(L"/v"))};
+    EXPECT_EQ(RunUpdate(options, console), ExitStatus::Done);
+    EXPECT_EQ(ReadFileBytes(m_folder / L"rules.xml"), "<R/>");
+    EXPECT_EQ(server.TakeRequests(), " /v /list.txt /rules.xml");
+    EXPECT_EQ(RunUpdate(options, console), ExitStatus::Done);
+    EXPECT_EQ(server.TakeRequests(), " /v");
 }

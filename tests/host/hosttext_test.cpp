@@ -27,13 +27,13 @@ TEST(HostText, ProgressNeverGoesBack) {
     COutput nowhere(nullptr);
     CProgressLine line(nowhere, /*hidden=*/false);
     // The overlapping ranges of three nodes, and of nodes within them.
-    const std::pair<unsigned, const wchar_t*> rows[] = {{0, L"  0%"},  {33, L" 33%"},  {16, L" 33%"},
-                                                        {66, L" 66%"}, {100, L"100%"}, {120, L"100%"}};
+    const std::pair<unsigned, const wchar_t*> rows[] = {
+        {0, L"....]   0%"}, {33, L"....]  33%"}, {16, L"....]  33%"}, {66, L"##.......]  66%"}, {120, L"####] 100%"}};
     for (const auto& [reached, shown] : rows) {
         line.Reach(reached);
-        EXPECT_THAT(line.Text(80), testing::StartsWith(shown));
+        EXPECT_THAT(line.Text(80), testing::HasSubstr(shown));
     }
-    line.Count(2048);
+    line.Count({2, 2048});
     line.Enter(L"Zwischenspeicher");
-    EXPECT_EQ(line.Text(30), L"100%  1 item, 2.0 KB  Zwischen");
+    EXPECT_EQ(line.Text(54), L"[####################] 100%  2 items, 2.0 KB  Zwischen");
 }
