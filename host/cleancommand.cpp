@@ -20,7 +20,7 @@ bool UserAgrees(CConsole& console) {
 
 // Adds the paths of the items in that state, of this node and those below, to `paths`.
 void CollectPaths(const RunResult& result, ItemState state, std::vector<std::wstring>& paths) {
-    for (const ReportedItem& item : result.items)
+    for (const ItemResult& item : result.items)
         if (item.state == state) paths.push_back(item.path.empty() ? L"(all of " + result.path + L")" : item.path);
     for (const RunResult& child : result.children)
         CollectPaths(child, state, paths);
@@ -36,8 +36,7 @@ std::wstring PrintNotDeleted(COutput& out, const RunResult& result, ItemState st
     out.Line(headline);
     for (size_t i = 0; i < paths.size() && i < kShown; ++i)
         out.Line(L"  " + paths[i]);
-    if (paths.size() > kShown)
-        out.Line(L"  and " + ItemCount(paths.size() - kShown) + L" more; --items lists them all");
+    if (paths.size() > kShown) out.Line(L"  and " + ItemCount(paths.size() - kShown) + L" more; --json lists them all");
     return L", " + GroupedNumber(paths.size()) + L' ' + Text(state);
 }
 

@@ -32,7 +32,15 @@ ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CCo
         console.out.Line(Utf8ToWide(isHelp ? app.help() : std::string(error.what())));
         return ExitStatus::Done;
     }
-    console.err.Line(L"dsw: " + Utf8ToWide(error.what()) + L" (dsw --help tells the usage)");
+    // The parser complains of what is missing first, although that may be what is misspelled.
+    const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
+    const std::string message = unknown.empty() ? error.what() : "there is no \"" + unknown.front() + '"';
+    std::string command = "dsw";
+    for (const CLI::App* level = &app; !level->get_subcommands().empty();) {
+        level = level->get_subcommands().back();
+        command += ' ' + level->get_name();
+    }
+    console.err.Line(L"dsw: " + Utf8ToWide(message + " (" + command + " --help tells the usage)"));
     return ExitStatus::WrongUsage;
 }
 

@@ -15,7 +15,7 @@ Json ToJson(const Amount& amount) {
     return {{"count", amount.items}, {"bytes", amount.bytes}};
 }
 
-Json ToJson(const ReportedItem& item) {
+Json ToJson(const ItemResult& item) {
     Json json = {{"path", WideToUtf8(item.path)}, {"state", WideToUtf8(Text(item.state))}};
     json.update(ToJson(item.amount));
     return json;
@@ -34,7 +34,7 @@ Json ToJson(const RunResult& result, const char* const* levels) {
     Json& list = json[*levels] = Json::array();
     for (const RunResult& child : result.children)
         list.push_back(ToJson(child, levels + 1));
-    for (const ReportedItem& item : result.items)
+    for (const ItemResult& item : result.items)
         list.push_back(ToJson(item));
     return json;
 }

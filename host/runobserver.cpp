@@ -64,7 +64,7 @@ bool CRunObserver::EmptiedItem(const wchar_t* path, uint64_t size, uint64_t cate
     // A recycle bin is reported once for all that was in it, also for nothing.
     const Amount amount = {removed && !*path ? left : 1, size};
     if (amount.items == 0) return GoOn();
-    const ReportedItem item = {path, amount, removed ? ItemState::Deleted : WhyNotDeleted(path)};
+    const ItemResult item = {path, amount, removed ? ItemState::Deleted : WhyNotDeleted(path)};
     m_progress.Count(amount);
     if (m_listItems) List(item, category);
     m_reported[category].push_back(item);
@@ -78,7 +78,7 @@ uint64_t CRunObserver::ItemsThatLeft() {
     return before > now ? before - now : 0;
 }
 
-void CRunObserver::List(const ReportedItem& item, uint64_t category) {
+void CRunObserver::List(const ItemResult& item, uint64_t category) {
     if (category != m_listedCategory) m_console.out.Line(m_application + L": " + NameOf<IGarbageCatagory>(category));
     m_listedCategory = category;
     const std::wstring path = item.path.empty() ? L"(all of it, " + ItemCount(item.amount.items) + L")" : item.path;
@@ -86,8 +86,6 @@ void CRunObserver::List(const ReportedItem& item, uint64_t category) {
                        + std::to_wstring(item.amount.bytes));
 }
 
-const std::vector<ReportedItem>& CRunObserver::Reported(IGarbageCatagory& category) const {
-    static const std::vector<ReportedItem> kNothing;
-    const auto entry = m_reported.find(reinterpret_cast<uint64_t>(&category));
-    return entry == m_reported.end() ? kNothing : entry->second;
+std::vector<ItemResult> CRunObserver::Take(IGarbageCatagory& category) {
+    return std::exchange(m_reported[reinterpret_cast<uint64_t>(&category)], {});
 }

@@ -11,8 +11,8 @@
 #include "host/itemstate.h"
 #include "host/progressline.h"
 
-// An item that a clean reported.
-struct ReportedItem {
+// What became of an item.
+struct ItemResult {
     std::wstring path;  // empty: all that the rule had found, such as the content of a recycle bin
     Amount amount;
     ItemState state;
@@ -37,13 +37,13 @@ public:
     bool Reserved() override { return GoOn(); }
     bool EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) override;
 
-    // What a clean reported of one garbage category, in order.
-    const std::vector<ReportedItem>& Reported(IGarbageCatagory& category) const;
+    // Hands over what a clean reported of one garbage category, in order.
+    std::vector<ItemResult> Take(IGarbageCatagory& category);
 
 private:
     bool GoOn() const noexcept { return !m_cancel.Requested(); }
     uint64_t ItemsThatLeft();
-    void List(const ReportedItem& item, uint64_t category);
+    void List(const ItemResult& item, uint64_t category);
 
     IDregsweep& m_engine;
     CConsole& m_console;
@@ -52,6 +52,6 @@ private:
     CProgressLine m_progress;
     std::wstring m_application;
     uint64_t m_listedCategory = 0;
-    uint64_t m_itemsLeft;  // in the engine's totals, before the next report
-    std::unordered_map<uint64_t, std::vector<ReportedItem>> m_reported;  // by the category's pointer
+    uint64_t m_itemsLeft;                                              // in the engine's totals, before the next report
+    std::unordered_map<uint64_t, std::vector<ItemResult>> m_reported;  // by the category's pointer
 };

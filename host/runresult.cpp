@@ -8,20 +8,20 @@ namespace {
 
 class CItemCollector final : public IGarbageInfo::IVisitor {
 public:
-    CItemCollector(std::vector<ReportedItem>& items, ItemState state) noexcept : m_items(items), m_state(state) {}
+    CItemCollector(std::vector<ItemResult>& items, ItemState state) noexcept : m_items(items), m_state(state) {}
 
     void OnItem(const wchar_t* path, uint64_t size, IGarbageInfo* /*rule*/) override {
         m_items.push_back({path, {1, size}, m_state});
     }
 
 private:
-    std::vector<ReportedItem>& m_items;
+    std::vector<ItemResult>& m_items;
     const ItemState m_state;
 };
 
 class CCollector {
 public:
-    CCollector(const CEngine& engine, const CRunObserver* clean, bool withItems) noexcept
+    CCollector(const CEngine& engine, CRunObserver* clean, bool withItems) noexcept
         : m_paths(engine.Paths()),
           m_clean(clean),
           m_withItems(withItems) {}
@@ -67,20 +67,20 @@ private:
     }
 
     void AddReported(RunResult& result, IGarbageCatagory& category) const {
-        for (const ReportedItem& item : m_clean->Reported(category)) {
+        std::vector<ItemResult> reported = m_clean->Take(category);
+        for (const ItemResult& item : reported)
             if (item.state == ItemState::Deleted) result.deleted += item.amount;
-            if (m_withItems) result.items.push_back(item);
-        }
+        if (m_withItems) result.items = std::move(reported);
     }
 
     const CNodePaths& m_paths;
-    const CRunObserver* const m_clean;
+    CRunObserver* const m_clean;
     const bool m_withItems;
 };
 
 }  // namespace
 
-RunResult CollectResult(const CEngine& engine, const CRunObserver* clean, bool withItems) {
+RunResult CollectResult(const CEngine& engine, CRunObserver* clean, bool withItems) {
     RunResult result;
     CCollector(engine, clean, withItems).AddChildren(result, *engine);
     return result;

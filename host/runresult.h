@@ -14,8 +14,8 @@ struct RunResult {
     Amount deleted;                   // what was reported as deleted, and nothing else
     Amount left;                      // the rest
     std::vector<RunResult> children;  // those that have anything, largest first
-    std::vector<ReportedItem> items;  // of the third level, when asked for: reported ones, then those that were not
+    std::vector<ItemResult> items;    // of the third level, when asked for: reported ones, then those that were not
 };
 
-// `clean` is the observer of the clean, or null when there was none.
-RunResult CollectResult(const CEngine& engine, const CRunObserver* clean, bool withItems);
+// `clean` is the observer of the clean, whose items it takes, or null when there was none.
+RunResult CollectResult(const CEngine& engine, CRunObserver* clean, bool withItems);

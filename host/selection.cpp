@@ -46,6 +46,26 @@ void SetAll(IDregsweep& engine, bool selected) {
     if (selected) engine.SetAllChecked(true);
 }
 
+// Selects or deselects the uppermost nodes that `matches` says yes to, with all that is below; false when there is
+// none.
+template <class Matches>
+bool SetMatching(IDregsweep& engine, bool selected, const Matches& matches) {
+    bool found = false;
+    SwitchOffBelowDeselected(engine);
+    WalkTree(engine, [&](auto& node, size_t) {
+        if (!matches(node)) return true;
+        found = true;
+        Set(node, selected);
+        return false;
+    });
+    KeepAbsentSelected(engine);
+    return found;
+}
+
+bool Matches(const std::wstring& path, const CString& pattern) noexcept {
+    return PathMatchSpecExW(path.c_str(), pattern.c_str(), PMSF_NORMAL | PMSF_DONT_STRIP_SPACES) == S_OK;
+}
+
 }  // namespace
 
 void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
@@ -83,20 +103,11 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
             continue;
         }
         if (kind == Kind::Only && std::exchange(isFirstOnly, false)) SetAll(engine, false);
-        SwitchOffBelowDeselected(engine);
         const CString wanted = Utf8ToWide(pattern);
-        const auto matches = [&wanted](const std::wstring& path) {
-            return PathMatchSpecExW(path.c_str(), wanted.c_str(), PMSF_NORMAL | PMSF_DONT_STRIP_SPACES) == S_OK;
+        const auto matches = [&](const IEUObject& node) {
+            return Matches(original.Of(node), wanted) || Matches(localised.Of(node), wanted);
         };
-        bool found = false;
-        WalkTree(engine, [&, selected = kind != Kind::Deselect](auto& node, size_t) {
-            if (!matches(original.Of(node)) && !matches(localised.Of(node))) return true;
-            found = true;
-            Set(node, selected);
-            return false;
-        });
-        KeepAbsentSelected(engine);
-        if (!found)
+        if (!SetMatching(engine, kind != Kind::Deselect, matches))
             throw CHostError(L"nothing matches the pattern \"" + wanted + L"\": dsw list shows the paths to match",
                              ExitStatus::WrongUsage);
     }
