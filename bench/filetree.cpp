@@ -12,6 +12,20 @@ namespace {
 constexpr wchar_t kRoot[] = L"C:\\bench\\tree";
 constexpr int kFoldersPerTenth = 100;
 
+// Wine looks through the whole folder for a new name in another spelling, which is hopeless for a hundred thousand of
+// them. Unix paths it takes as they are; elsewhere there is no such function, and no need.
+std::wstring UnixPath(const std::wstring& path) {
+    using GetUnixFileName = char*(CDECL*)(const wchar_t*);
+    void* address =
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name"));
+    if (!address) return path;
+    char* name = reinterpret_cast<GetUnixFileName>(address)(path.c_str());
+    if (!name) return path;
+    const std::wstring wide = Utf8ToWide(name);
+    HeapFree(GetProcessHeap(), 0, name);
+    return L"\\\\?\\unix" + wide;
+}
+
 }  // namespace
 
 void MakeFolders(const std::wstring& path) {
@@ -34,7 +48,7 @@ std::wstring FileName(size_t n) {
 }
 
 void FillFolder(const std::wstring& folder, size_t count) {
-    const std::wstring prefix = folder + L"\\";
+    const std::wstring prefix = UnixPath(folder) + L"\\";
     for (size_t n = 0; n < count; ++n)
         MakeFile(prefix + FileName(n), n % 16 == 0 ? 1 + static_cast<unsigned>(n % 200) : 0);
 }
