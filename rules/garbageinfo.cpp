@@ -265,7 +265,7 @@ bool CGarbageInfo::Record(const CString& path, uint64_t size, CItemIdList itemId
     {
         const CLockGuard guard(m_lock);
         if (generation != m_generation) return true;
-        m_found.push_back({path, size, std::move(itemId)});
+        m_found.Append(path, size, std::move(itemId));
     }
     // An item without a text is listed, to be deleted, but not reported, on purpose.
     return path.empty() || ReportFound(path, &size, CategoryValue());
@@ -280,7 +280,7 @@ bool CGarbageInfo::IsExcludedPath(std::wstring_view folderPath, std::wstring_vie
 
 void CGarbageInfo::ClearFound() {
     const CLockGuard guard(m_lock);
-    m_found.clear();
+    m_found.Clear();
     ++m_generation;
     m_secondFilters.clear();
 }
@@ -293,8 +293,8 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
         const uint32_t generation = m_generation;
         CString path;  // outlives the item when the visitor has the rule scanned or cleaned
         for (auto item = m_found.begin(); item != m_found.end(); ++item) {
-            if (item->path.empty()) continue;
-            path = item->path;
+            if (item->Path().empty()) continue;
+            path = item->Path();
             visitor->OnItem(path.c_str(), item->size, this);
             if (generation != m_generation) break;
         }
@@ -324,22 +324,23 @@ bool CGarbageInfo::CleanFound() {
     const CLockGuard guard(m_lock);
     uint32_t generation = m_generation;
     const auto apps = CAppInfoManager::GetInstance();
+    CString path;  // outlives a list that the host's notification empties
     bool goOn = true;
     for (auto item = m_found.begin(); goOn && item != m_found.end();) {
         // The host's own files are never deleted: they stay listed and are not reported, on purpose. Without a manager
         // any file may be one of them.
-        if (!apps || apps->IsInHostFolder(item->path)) {
+        if (!apps || apps->IsInHostFolder(item->Path())) {
             ++item;
             continue;
         }
-        const CString path = item->path;  // outlives a list that the host's notification empties
+        path = item->Path();
         const uint64_t size = item->size;
         const CItemIdList itemId = std::move(item->itemId);  // likewise: the shell may let messages in meanwhile
         const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(path);
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
         // Removed after the report, whatever became of it and also when the host stops here, on purpose.
-        item = m_found.erase(item);
+        item = m_found.Erase(item);
         generation = ++m_generation;
     }
     return goOn;
@@ -352,10 +353,10 @@ bool CGarbageInfo::EmptyShellFolder() {
     const uint64_t size = GetTotalSize();  // a copy: on its way up the size must not change under the levels
     const CLockGuard guard(m_lock);
     const uint32_t generation = m_generation;
-    const auto count = static_cast<uint32_t>(m_found.size());
+    const auto count = static_cast<uint32_t>(m_found.Count());
     const bool goOn = ReportEmptied(CString(), &size, CategoryValue(), emptied, count);
     if (generation != m_generation) return goOn;
-    m_found.clear();
+    m_found.Clear();
     ++m_generation;
     return goOn;
 }

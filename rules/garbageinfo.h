@@ -10,7 +10,7 @@
 #include "cleaners/garbageemptyproc.h"
 #include "rules/containment.h"
 #include "rules/excludepath.h"
-#include "rules/founditem.h"
+#include "rules/founditems.h"
 #include "rules/igarbageinfo.h"
 #include "rules/looppath.h"
 #include "sysservices/itemidlist.h"
@@ -99,7 +99,7 @@ private:
 
     // Guards the found items and the generation. A clean holds it while it tells the host, and while the shell deletes.
     CLock m_lock;
-    std::list<FoundItem> m_found;
+    CFoundItems m_found;
     // Counts up with every item that leaves the list: a walk that was interrupted by a notification, from which the
     // host scans or cleans, can tell that its place in the list may be gone.
     uint32_t m_generation = 0;

@@ -17,7 +17,9 @@ public:
     explicit CItemIdList(LPITEMIDLIST adopted) noexcept : m_list(adopted) {}
     CItemIdList(CItemIdList&& other) noexcept : m_list(std::exchange(other.m_list, nullptr)) {}
     CItemIdList& operator=(CItemIdList&& other) noexcept;
-    ~CItemIdList() { CoTaskMemFree(m_list); }
+    ~CItemIdList() {
+        if (m_list) CoTaskMemFree(m_list);  // spares the call for the many that are empty
+    }
 
     // The absolute list of the item `child` of the folder `absolute`; with a null folder a copy of `child`. Throws
     // std::bad_alloc.

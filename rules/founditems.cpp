@@ -1,0 +1,81 @@
+#include "rules/founditems.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+// Most rules find little: a rule's blocks grow with what it finds.
+constexpr size_t kFirstChunk = 512;
+constexpr size_t kLargestChunk = 65536;
+
+}  // namespace
+
+CFoundItems::Item::Item(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept
+    : size(bytes),
+      itemId(std::move(id)),
+      m_length(static_cast<uint32_t>(path.size())) {
+    if (!path.empty()) std::memcpy(reinterpret_cast<wchar_t*>(this + 1), path.data(), path.size() * sizeof(wchar_t));
+}
+
+size_t CFoundItems::Item::Room(size_t length) noexcept {
+    const size_t bytes = sizeof(Item) + length * sizeof(wchar_t);
+    return (bytes + alignof(Item) - 1) / alignof(Item) * alignof(Item);
+}
+
+// To the first item from here on that is not erased.
+void CFoundItems::Iterator::PassErased() noexcept {
+    while (m_chunk != m_end) {
+        while (m_offset < m_chunk->used && (**this).m_erased)
+            m_offset += (**this).Room();
+        if (m_offset < m_chunk->used) return;
+        ++m_chunk;
+        m_offset = 0;
+    }
+}
+
+CFoundItems::Iterator& CFoundItems::Iterator::operator++() noexcept {
+    m_offset += (**this).Room();
+    PassErased();
+    return *this;
+}
+
+size_t CFoundItems::Count() const noexcept {
+    return std::transform_reduce(m_chunks.begin(), m_chunks.end(), size_t{0}, std::plus<>(),
+                                 [](const Chunk& chunk) { return chunk.count; });
+}
+
+void CFoundItems::Append(std::wstring_view path, uint64_t size, CItemIdList itemId) {
+    const size_t room = Item::Room(path.size());
+    Chunk& chunk = ChunkWithRoom(room);
+    ::new (chunk.bytes.get() + chunk.used) Item(path, size, std::move(itemId));
+    chunk.used += room;
+    ++chunk.count;
+}
+
+CFoundItems::Chunk& CFoundItems::ChunkWithRoom(size_t room) {
+    const bool isFirst = m_chunks.empty();
+    if (!isFirst && m_chunks.back().capacity - m_chunks.back().used >= room) return m_chunks.back();
+    const size_t usual = isFirst ? kFirstChunk : std::min(m_chunks.back().capacity * 2, kLargestChunk);
+    return m_chunks.emplace_back(std::max(usual, room));
+}
+
+// The memory goes with the last item of its chunk.
+CFoundItems::Iterator CFoundItems::Erase(Iterator item) noexcept {
+    const Chunks::iterator chunk = item.m_chunk;
+    item->itemId = {};
+    item->m_erased = true;
+    ++item;
+    if (--chunk->count == 0) m_chunks.erase(chunk);
+    return item;
+}
+
+void CFoundItems::Clear() noexcept {
+    for (Item& item : *this)
+        std::destroy_at(&item);
+    m_chunks.clear();
+}
