@@ -31,6 +31,13 @@ CString ToLower(std::wstring_view text) {
 }
 
 void ToLower(std::wstring_view text, wchar_t* lower) noexcept {
+    // Most paths are ASCII; the system's mapping costs many times the folding, and says the same there.
+    wchar_t seen = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        seen |= text[i];
+        lower[i] = FoldAscii(text[i]);
+    }
+    if (seen < 0x80) return;
     const int length = static_cast<int>(text.size());
     // Simple case mapping keeps the length; the call fails only for an empty text, which is its own result.
     LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower, length, nullptr, nullptr, 0);
