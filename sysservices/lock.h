@@ -8,7 +8,8 @@
 // hosts rely on when a notification calls back into the engine.
 class CLock {
 public:
-    CLock() noexcept { InitializeCriticalSection(&m_section); }
+    // Without debug information, which would be an allocation for each of thousands of rules.
+    CLock() noexcept { InitializeCriticalSectionEx(&m_section, 0, CRITICAL_SECTION_NO_DEBUG_INFO); }
     ~CLock() { DeleteCriticalSection(&m_section); }
     CLock(const CLock&) = delete;
     CLock& operator=(const CLock&) = delete;

@@ -2,13 +2,16 @@
 
 #include <windows.h>
 
-#include <cstring>
+#include <algorithm>
 
 CString Utf8ToWide(const char* utf8) {
     return utf8 ? Utf8ToWide(std::string_view(utf8)) : CString();
 }
 
 CString Utf8ToWide(std::string_view utf8) {
+    // Nearly every text is ASCII, which needs no conversion.
+    if (std::none_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) != 0; }))
+        return {utf8.begin(), utf8.end()};
     const int bytes = static_cast<int>(utf8.size());
     const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, nullptr, 0);
     CString wide(static_cast<size_t>(length), L'\0');

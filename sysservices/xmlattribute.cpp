@@ -10,6 +10,10 @@ bool ReadText(const TiXmlElement& element, const char* name, CString& out) {
 }
 
 int32_t ReadInteger(const TiXmlElement& element, const char* name, int32_t defaultValue) {
+    const char* text = element.Attribute(name);
+    if (!text) return defaultValue;
+    // Nearly every number is one digit; the library would scan it with a format.
+    if (text[0] >= '0' && text[0] <= '9' && text[1] == '\0') return text[0] - '0';
     int value = defaultValue;
     element.QueryIntAttribute(name, &value);
     return value;
