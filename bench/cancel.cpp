@@ -60,7 +60,8 @@ std::vector<Figure> BenchCancel(Bench& bench) {
                       .engine = "longest " + Fixed(*std::max_element(times.begin(), times.end()), 2) + " ms",
                       .values = std::move(times),
                       .unit = "ms",
-                      .limit = 5};
+                      .limit = 5,
+                      .limitsAll = true};
     };
     return {figure("gather", gather), figure("clean", clean)};
 }

@@ -31,7 +31,7 @@ std::string Numbered(const char* before, size_t number, const char* after) {
 // rule. All that they name is what every Windows has.
 std::string MixedRule(size_t n) {
     const std::string path = Numbered(R"(Path="Vendor Name\Product Line\Version )", n,
-                                      R"(\User Data\Default\Service Worker\Cached Files of the Product")");
+                                      R"(\User Data\Default\Service Worker\Storage\Cached Files of the Product")");
     const std::string common =
         path
         + R"( IsFolder="1" Iteration="1" Filter="*.cache;*.tmp" ExcludeFilter="keep_|session|.lock|index" )"

@@ -15,6 +15,7 @@ struct Figure {
     std::vector<double> values;  // the figure itself
     std::string unit;            // behind each value; empty for a ratio to the floor
     double limit = 0;            // the most that the median may be; 0: none
+    bool limitsAll = false;      // the most that any value may be
     double fastest = 0;          // the fastest round of the engine to the fastest of the floor; 0: none
 };
 

@@ -15,7 +15,8 @@ std::string WithUnit(double value, const Figure& figure) {
 
 std::string Verdict(const Figure& figure) {
     if (figure.limit == 0) return "";
-    return Median(figure.values) <= figure.limit ? "yes" : "no";
+    const double most = *std::max_element(figure.values.begin(), figure.values.end());
+    return (figure.limitsAll ? most : Median(figure.values)) <= figure.limit ? "yes" : "no";
 }
 
 Line LineOf(const Figure& figure) {
@@ -26,7 +27,7 @@ Line LineOf(const Figure& figure) {
             WithUnit(Median(figure.values), figure),
             WithUnit(*least, figure) + " to " + WithUnit(*most, figure),
             figure.fastest == 0 ? "" : Fixed(figure.fastest, 3),
-            figure.limit == 0 ? "" : WithUnit(figure.limit, figure),
+            figure.limit == 0 ? "" : WithUnit(figure.limit, figure) + (figure.limitsAll ? ", all" : ""),
             Verdict(figure)};
 }
 
