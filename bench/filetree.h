@@ -10,8 +10,8 @@ void MakeFolders(const std::wstring& path);
 // Creates a file with `size` bytes in an existing folder. Throws when that fails.
 void MakeFile(const std::wstring& path, unsigned size);
 
-// The name of the n-th file of a folder, extension included. One in four is a ".tmp", one in a hundred of which has a
-// name that one of the tokens kKeptTokens is part of.
+// The name of the n-th file of a folder, extension included. One in four is a ".tmp", and one in a hundred of those has
+// one of kKeptTokens in its name.
 std::wstring FileName(size_t n);
 inline constexpr const char* kKeptTokens = "keep_|session|.lock|index";
 

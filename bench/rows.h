@@ -6,12 +6,11 @@
 
 // The rows of the report, each with the figures that it measures. Each is in the file named for it.
 
+std::vector<Figure> BenchGrowth(Bench& bench);
 std::vector<Figure> BenchGather(Bench& bench);
 std::vector<Figure> BenchPattern(Bench& bench);    // gather.cpp
 std::vector<Figure> BenchManyRules(Bench& bench);  // gather.cpp
 std::vector<Figure> BenchClean(Bench& bench);
-
-std::vector<Figure> BenchGrowth(Bench& bench);
 std::vector<Figure> BenchLoad(Bench& bench);
 std::vector<Figure> BenchLocalise(Bench& bench);  // load.cpp
 std::vector<Figure> BenchCancel(Bench& bench);
