@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include "sysservices/handle.h"
-
 namespace {
 
 std::wstring HostName(const std::wstring& path) {
@@ -35,8 +33,8 @@ bool MakeFolderLink(const std::wstring& link, const std::wstring& target) {
     if (!CreateProcessW(L"\\\\?\\unix\\bin\\ln", command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process))
         return false;
-    const CHandle thread(process.hThread), child(process.hProcess);
-    // The command is no process of this platform and cannot be waited for.
+    // The command is no process of this platform: it cannot be waited for, and what is handed out as its handles must
+    // not be closed.
     for (int tries = 0; tries < 200 && !IsFolderLink(link); ++tries)
         Sleep(10);
     return IsFolderLink(link);
