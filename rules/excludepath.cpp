@@ -3,15 +3,19 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 
-bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) noexcept {
-    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE)
-           == CSTR_EQUAL;
+bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) {
+    const int order =
+        CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE);
+    // Taken for different, a folder that is to be left out would be cleaned.
+    if (order == 0) throw std::runtime_error("texts cannot be compared");
+    return order == CSTR_EQUAL;
 }
 
-bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::wstring_view lowerName) noexcept {
+bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::wstring_view lowerName) {
     if (!entry.exactMatch) return lowerName.find(entry.path) != std::wstring_view::npos;
     if (folderPath.size() < entry.path.size()) return false;
     // The tail may begin inside a name, on purpose: "emp" matches "C:\Temp".
@@ -21,7 +25,7 @@ bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::w
 }  // namespace
 
 const ExcludePathEntry* FindExcludePath(const std::list<ExcludePathEntry>& entries, std::wstring_view folderPath,
-                                        std::wstring_view lowerName) noexcept {
+                                        std::wstring_view lowerName) {
     const auto match = std::find_if(entries.begin(), entries.end(), [&](const ExcludePathEntry& entry) {
         return Matches(entry, folderPath, lowerName);
     });

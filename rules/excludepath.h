@@ -13,6 +13,6 @@ struct ExcludePathEntry {
 };
 
 // The first entry that matches a folder, or null. `folderPath` is its full path, `lowerName` its own name in lower
-// case.
+// case. Throws when the system refuses to compare.
 const ExcludePathEntry* FindExcludePath(const std::list<ExcludePathEntry>& entries, std::wstring_view folderPath,
-                                        std::wstring_view lowerName) noexcept;
+                                        std::wstring_view lowerName);
