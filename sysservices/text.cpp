@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 CString Utf8ToWide(const char* utf8) {
     return utf8 ? Utf8ToWide(std::string_view(utf8)) : CString();
@@ -14,8 +15,11 @@ CString Utf8ToWide(std::string_view utf8) {
         return {utf8.begin(), utf8.end()};
     const int bytes = static_cast<int>(utf8.size());
     const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, nullptr, 0);
+    // An empty text instead would change what a rule means: its path becomes the whole base folder.
+    if (length <= 0) throw std::runtime_error("text cannot be converted");
     CString wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, wide.data(), length);
+    if (MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, wide.data(), length) != length)
+        throw std::runtime_error("text cannot be converted");
     return wide;
 }
 

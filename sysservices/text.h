@@ -9,6 +9,7 @@
 using CString = std::wstring;
 
 // Converts UTF-8 (code page 65001) to UTF-16. Bytes that are no UTF-8 become U+FFFD. Null gives an empty text.
+// Throws when the system refuses.
 CString Utf8ToWide(const char* utf8);
 CString Utf8ToWide(std::string_view utf8);
 
