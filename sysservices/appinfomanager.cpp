@@ -129,7 +129,8 @@ bool CAppInfoManager::IsInHostFolder(std::wstring_view path) const noexcept {
     if (m_hostFolder.empty() || path.size() < m_hostFolder.size()) return false;
     if (path.size() <= kStackPathChars) {
         wchar_t lower[kStackPathChars];
-        ToLower(path, lower);
+        // What cannot be compared may be one of the host's files.
+        if (!ToLower(path, lower)) return true;
         return std::wstring_view(lower, path.size()).find(m_hostFolder) != std::wstring_view::npos;
     }
     try {

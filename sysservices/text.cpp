@@ -33,21 +33,23 @@ std::string WideToUtf8(std::wstring_view wide) {
 
 CString ToLower(std::wstring_view text) {
     CString lower(text.size(), L'\0');
-    ToLower(text, lower.data());
+    if (!ToLower(text, lower.data())) throw std::runtime_error("text cannot be lower-cased");
     return lower;
 }
 
-void ToLower(std::wstring_view text, wchar_t* lower) noexcept {
+bool ToLower(std::wstring_view text, wchar_t* lower) noexcept {
     // Most paths are ASCII; the system's mapping costs many times the folding, and says the same there.
     wchar_t seen = 0;
     for (size_t i = 0; i < text.size(); ++i) {
         seen |= text[i];
         lower[i] = FoldAscii(text[i]);
     }
-    if (seen < 0x80) return;
+    if (seen < 0x80) return true;
     const int length = static_cast<int>(text.size());
-    // Simple case mapping keeps the length; the call fails only for an empty text, which is its own result.
-    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower, length, nullptr, nullptr, 0);
+    // Simple case mapping keeps the length.
+    return LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower, length, nullptr, nullptr,
+                         0)
+           != 0;
 }
 
 std::vector<CString> Split(std::wstring_view text, std::wstring_view separators) {

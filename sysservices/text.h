@@ -16,10 +16,12 @@ CString Utf8ToWide(std::string_view utf8);
 // Converts UTF-16 to UTF-8 (code page 65001). A lone surrogate becomes U+FFFD.
 std::string WideToUtf8(std::wstring_view wide);
 
-// Lower-cases every letter as the system compares file names, whatever the user's locale.
+// Lower-cases every letter as the system compares file names, whatever the user's locale. Throws when
+// the system refuses.
 CString ToLower(std::wstring_view text);
-// The same into `lower`, which has room for text.size() characters and is not terminated.
-void ToLower(std::wstring_view text, wchar_t* lower) noexcept;
+// The same into `lower`, which has room for text.size() characters and is not terminated; false when
+// the system refuses.
+bool ToLower(std::wstring_view text, wchar_t* lower) noexcept;
 
 // Lower-cases A to Z only.
 constexpr wchar_t FoldAscii(wchar_t c) noexcept {
