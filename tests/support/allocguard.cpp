@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace alloc_guard {
 namespace {
@@ -22,6 +23,8 @@ struct Header {
 
 std::atomic<long long> g_live{0};
 std::atomic<long long> g_untilFailure{-1};
+bool g_failsOnce = false, g_failed = false;
+DWORD g_failingThread = 0;
 
 [[noreturn]] void Die(const char* what, void* block) {
     std::fprintf(stderr, "alloc_guard: %s at %p\n", what, block);
@@ -30,8 +33,11 @@ std::atomic<long long> g_untilFailure{-1};
 }
 
 void* Allocate(size_t size) noexcept {
-    if (g_untilFailure == 0) return nullptr;
-    if (g_untilFailure > 0) --g_untilFailure;
+    if (g_untilFailure >= 0 && GetCurrentThreadId() == g_failingThread && --g_untilFailure < 0) {
+        g_failed = true;
+        g_untilFailure = g_failsOnce ? -1 : 0;
+        return nullptr;
+    }
     auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size + sizeof kTail));
     if (!header) return nullptr;
     *header = {kAlive, size};
@@ -60,8 +66,11 @@ long long Live() {
     return g_live;
 }
 
-void FailAfter(long long count) {
+bool FailAfter(long long count, bool once) {
+    g_failingThread = GetCurrentThreadId();
+    g_failsOnce = once;
     g_untilFailure = count;
+    return std::exchange(g_failed, false);
 }
 
 }  // namespace alloc_guard

@@ -7,7 +7,8 @@ namespace alloc_guard {
 // Blocks alive now.
 long long Live();
 
-// Lets the next `count` allocations succeed and fails all after them, until FailAfter(-1).
-void FailAfter(long long count);
+// Lets the next `count` allocations of this thread succeed and fails all after them, or only the next, until
+// FailAfter(-1). Returns whether any has failed since the call before.
+bool FailAfter(long long count, bool once = false);
 
 }  // namespace alloc_guard

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 // Replaces one imported function of one loaded module until the end of the scope, so that tests can produce what the
@@ -34,3 +36,6 @@ private:
     static void Write(ULONGLONG* at, ULONGLONG value);
     std::vector<Slot> m_slots;
 };
+
+// What a module imports by name: the library and the function of each.
+std::vector<std::pair<std::string, std::string>> ImportsOf(HMODULE module);

@@ -54,7 +54,12 @@ Function* Real(Function&, const char* name) {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"wininet.dll"), name);
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(found));
 }
-#define REAL(function) Real(function, #function)
+// Looked up once, or a test that replaces the look-up would be asked.
+#define REAL(function)                                       \
+    ([] {                                                    \
+        static auto* const real = Real(function, #function); \
+        return real;                                         \
+    }())
 
 // Stands in for a function that the platform of the tests lacks.
 inline DWORD WINAPI TellSize(HINTERNET request, LONG, PVOID, DWORD method, DWORD_PTR) {
