@@ -48,21 +48,3 @@ TEST(EngineLife, LeavesNothingBehind) {
         }
     }
 }
-
-// Memory for n allocations, for every n until the whole job is done.
-TEST(OutOfMemory, AtEveryPointOfASmallJob) {
-    RecordProperty("leaks", "TinyXML loses what it is parsing");
-    const SmallJob job;
-    int n = 0;
-    for (; job.FilesLeft() > 0 && n < 20'000; ++n) {
-        const Engine engine = NewEngine();
-        alloc_guard::FailAfter(n);
-        engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
-        engine->Gather(nullptr);
-        engine->Clean(nullptr);
-        alloc_guard::FailAfter(-1);
-        ASSERT_TRUE(job.HasBystander()) << n;
-        TakeTraceLines();
-    }
-    EXPECT_TRUE(n > 100 && n < 20'000) << n;
-}

@@ -105,17 +105,3 @@ TEST_F(ConfigVersionTest, WithoutInit) {
     EXPECT_EQ(m_update->GetWanConfigVersion(nullptr, &version), kWanVersionNotReady);
     EXPECT_EQ(m_update->GetWanConfigVersion(L"u", nullptr), kWanVersionNotReady);
 }
-
-TEST_F(ConfigVersionTest, MemoryRunsOut) {
-    alloc_guard::FailAfter(0);
-    const uint32_t init = m_update->Init();
-    alloc_guard::FailAfter(-1);
-    EXPECT_EQ(init, kInitNoHandle);
-    ASSERT_EQ(m_update->Init(), kSuccess);
-    for (long long blocks = 0; blocks < 6; ++blocks) {
-        alloc_guard::FailAfter(blocks);
-        const uint32_t result = m_update->GetFileListFromURL(L"http://127.0.0.1:9/list.txt", L"C:\\no such folder");
-        alloc_guard::FailAfter(-1);
-        EXPECT_EQ(result, kFileFailed);
-    }
-}

@@ -22,15 +22,14 @@ struct Faults {
     const char* fails = "";
     int first = 1;
     int last = 1 << 30;
-    bool asyncRow = false;                // lets row 0 open: its requests reach the server at times of their own
-    bool zeroAvailable = false;           // nothing is available at first
-    bool tracesCalls = false;             // puts the calls that open and seek among the trace lines
-    const wchar_t* proxy = nullptr;       // told by the proxy query
-    DWORD size = 0;                       // told by InternetSetFilePointer; 0 for the announced length
-    int closesUntilMemoryEnds = 1 << 30;  // successful InternetCloseHandle until every allocation fails
-    int sinkStops = 0;                    // number of the sink's call that answers non-zero
-    int sinkThrows = 0;                   // number of the one that throws
-    int calls = 0;                        // of the functions in `fails` so far
+    bool asyncRow = false;           // lets row 0 open: its requests reach the server at times of their own
+    bool zeroAvailable = false;      // nothing is available at first
+    bool tracesCalls = false;        // puts the calls that open and seek among the trace lines
+    const wchar_t* proxy = nullptr;  // told by the proxy query
+    DWORD size = 0;                  // told by InternetSetFilePointer; 0 for the announced length
+    int sinkStops = 0;               // number of the sink's call that answers non-zero
+    int sinkThrows = 0;              // number of the one that throws
+    int calls = 0;                   // of the functions in `fails` so far
 };
 inline Faults g_faults;
 inline std::wstring g_executable;  // told by GetModuleFileNameW
@@ -86,7 +85,6 @@ inline HINTERNET WINAPI OpenRequest(HINTERNET root, LPCWSTR url, LPCWSTR head, D
 inline BOOL WINAPI CloseInternetHandle(HINTERNET handle) {
     const BOOL closed = REAL(InternetCloseHandle)(handle);
     g_openHandles -= closed;
-    if (closed && --g_faults.closesUntilMemoryEnds == 0) alloc_guard::FailAfter(0);
     return closed;
 }
 
