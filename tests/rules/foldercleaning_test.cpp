@@ -3,7 +3,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const wchar_t* g_hostFile;
 DWORD WINAPI HostFile(HMODULE, wchar_t* buffer, DWORD size) {
@@ -12,24 +11,6 @@ DWORD WINAPI HostFile(HMODULE, wchar_t* buffer, DWORD size) {
 }
 
 }  // namespace
-
-TEST_F(RuleTest, CleanReportsEachItemAndForgetsIt) {
-    for (const wchar_t* name : {L"a.log", L"b.log", L"c.log", L"d.log", L"e.log"})
-        m_folder.Write(name, "xx");
-    SetFileAttributesW((m_folder / L"c.log").c_str(), FILE_ATTRIBUTE_READONLY);
-    RecordingRule rule;
-    ASSERT_TRUE(rule.Load(m_files) && rule.Gather());
-    DeleteFileW((m_folder / L"d.log").c_str());
-    const HANDLE held = CreateFileW((m_folder / L"b.log").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_TRUE(rule.Clean(1, 2, 3));
-    CloseHandle(held);
-    EXPECT_THAT(rule.emptied, ElementsAre(L"+a.log", L"-b.log", L"-c.log", L"-d.log", L"+e.log"));
-    EXPECT_THAT(Listed(rule), IsEmpty());
-    EXPECT_EQ(rule.GetTotalSize(), 6u);
-    EXPECT_EQ(rule.GetPendingCount(), 3u);
-    EXPECT_TRUE(rule.Gather());
-    EXPECT_THAT(Listed(rule), ElementsAre(L"b.log", L"c.log"));
-}
 
 TEST_F(RuleTest, HostFolderStaysListedAndUnreported) {
     const CString hostFile = m_folder / L"APP\\host.exe";

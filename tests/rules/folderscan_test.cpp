@@ -36,11 +36,12 @@ private:
 
 }  // namespace
 
+// The model in tests/faults knows the rest, but no order, no devices and no odd spelling.
 TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
     const TempFolder elsewhere;
     elsewhere.Write(L"l.log");
     ASSERT_TRUE(MakeFolderLink(m_folder / L"link", elsewhere.path()));
-    const std::string all = m_files + "Iteration='1' ", excluding = all + "ExcludePath='1' ";
+    const std::string all = m_files + "Iteration='1' ";
     const CString hid = L".hid\\h.log ", top = L"a.log b.tmp c.txt ", deep = LR"(Kéep\Deep\d.log )";
     const CString keep = deep + LR"(Kéep\k.log )", sub = LR"(Sub\s.log )", temp = LR"(Sub\Temp\t.log )";
     const CString below = LR"(Sub\Temp\Temp\n.log )";
@@ -49,27 +50,17 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         std::string attributes;
         const char* children;
         CString found;
-        CString refusedFolder = {};
     } const cases[] = {
         // Everything: one pass; no links, no devices, no name of two characters that ends in a dot.
         {m_files, "", top},
         {all, "", hid + top + keep + sub + temp + below},
-        {all + "SelfExclude='1'", "", hid + keep + sub + temp + below},
-        {m_files + "ExcludeFilter='|.log||.txt|'", "", L"b.tmp"},
         // A pattern: what is below comes first, links included.
-        {m_pattern, "", L"a.log"},
         {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + below + temp + sub + L"a.log"},
         {m_pattern + "Iteration='1' SelfExclude='1' ExcludePath='1'", "<ExcludePath Path='li'/>",
          hid + keep + below + temp + sub},
-        // Excluded folders: the first entry that matches decides.
-        {excluding, "<excludepath Path='KÉE'/>", hid + top + sub + temp + below},
-        {excluding, "<ExcludePath Path='KÉEP' Iteration='1'/><ExcludePath Path='ké'/>",
-         hid + top + deep + sub + temp + below},
-        {excluding, "<ExcludePath Path='UB\\TEMP' ExactMatch='1'/>", hid + top + keep + sub},  // inside a name
-        {excluding, "<ExcludePath/><Other Path='sub'/>", hid + top + keep + sub + temp + below},
-        // A folder that the host refuses is skipped without stopping.
-        {all, "", hid + top + keep, L"Sub"},
-        {m_pattern + "Iteration='1'", "", hid + keep + LR"(link\l.log )" + L"a.log", L"Sub"},
+        // Children by their names, whatever the case.
+        {all + "ExcludePath='1'", "<excludepath Path='KÉE'/><ExcludePath/><Other Path='sub'/>",
+         hid + top + sub + temp + below},
         // Without a base folder no children are read, though the flags are set.
         {bare + "Iteration='1' ExcludePath='1'", "<ExcludePath Path='temp'/>", sub + temp + below},
         // One file, listed under the rule's own path.
@@ -78,16 +69,10 @@ TEST_F(FolderScanTest, FindsInOrderWhatTheRuleSays) {
         // Loops.
         {m_loop, "<LoopPath TerminalPath='sub'/><LoopPath AddPath='Sub'/>", L""},
         {m_loop + "SelfExclude='1'", "<looppath Path='*'/>", LR"(device\v.log Kéep\k.log Sub\s.log z.\z.log)"},
-        {m_loop, "<LoopPath Path='*' AddPath='Temp'/>", temp},
-        {m_loop, "<LoopPath Path='none'/><LoopPath Path='Sub'/><LoopPath TerminalPath='temp'/>", L""},
-        {m_loop, "<LoopPath Path='Sub'/><LoopPath Path='none'/><LoopPath TerminalPath='TEMP' ExactMatch='1'/>", temp},
-        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='EM|DEE'/>", deep + temp},
-        {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em|deep' ExactMatch='1'/>", deep},
         {m_loop, "<LoopPath Path='*'/><LoopPath TerminalPath='em'/><LoopPath TerminalPath='x' ExactMatch='1'/>", L""},
     };
     for (const Case& c : cases) {
         RecordingRule rule;
-        rule.refusedFolder = c.refusedFolder;
         ASSERT_TRUE(rule.Load(c.attributes, c.children));
         EXPECT_TRUE(rule.Gather());
         EXPECT_THAT(Listed(rule), ElementsAreArray(Split(c.found, L" "))) << c.attributes << c.children;

@@ -21,9 +21,6 @@ public:
         document.Parse(("<GarbageInfo " + attributes + ">" + children + "</GarbageInfo>").c_str());
         return !document.Error() && LoadXml(document.RootElement());
     }
-    bool QueryPathAllowed(const CString& path, bool) override {
-        return refusedFolder.empty() || !path.ends_with(refusedFolder);
-    }
     bool ReportFound(const CString& item, const uint64_t* size, uint64_t extra) override {
         const bool goOn = CGarbageInfo::ReportFound(item, size, extra);
         found.push_back(item);
@@ -36,7 +33,6 @@ public:
         return goOn && emptied.size() < stopAt;
     }
 
-    CString refusedFolder;
     size_t stopAt = SIZE_MAX;  // the report that is answered false
     std::function<void()> onEmptied = [] {};
     std::vector<CString> found, emptied;  // "+name" deleted, "-name" not deleted

@@ -43,30 +43,6 @@ protected:
 
 }  // namespace
 
-TEST_F(RegistryRuleTest, CleansInSilence) {
-    constexpr auto kUntouched = L"@ A B [S1: @ A [F: A B ]][S2: A ][S3: [F: A ]]";
-    const struct {
-        const char *root, *subKey, *attributes;
-        const wchar_t* left;
-    } kCases[] = {
-        {"HKCU", "", "Value='|'", L"[S1: @ A [F: A B ]][S2: A ][S3: [F: A ]]"},
-        {"HKCU", "", "Value='|none||b|'", L"@ A [S1: @ A [F: A B ]][S2: A ][S3: [F: A ]]"},
-        {"HKCU", "", "Iteration='1'", L"@ A B [S1: [F: A B ]][S2: ][S3: [F: A ]]"},
-        {"HKCU", "", "Iteration='1' Filter='F'", L"@ A B [S1: @ A [F: ]][S2: A ][S3: [F: ]]"},
-        {"HKCU", "", "DelKey='1'", kUntouched},  // it has sub-keys
-        {"HKCU", "\\S2", "DelKey='1' Value='none'", L"@ A B [S1: @ A [F: A B ]][S3: [F: A ]]"},
-        {"HKCU", "\\S2", "DelKey='2'", L"@ A B [S1: @ A [F: A B ]][S2: ][S3: [F: A ]]"},
-        {"HKLM", "", "DelKey='1'", kUntouched},
-    };
-    for (const auto& test : kCases) {
-        for (const wchar_t* name :
-             {L"", L"A", L"B", L"S1\\", L"S1\\A", L"S1\\F\\A", L"S1\\F\\B", L"S2\\A", L"S3\\F\\A"})
-            Set(name);
-        Clean(test.root, test.subKey, test.attributes);
-        EXPECT_EQ(Content(), test.left) << test.root << test.subKey << ' ' << test.attributes;
-    }
-}
-
 TEST_F(RegistryRuleTest, WhatCannotBeReadStays) {
     for (const CString& name :
          {CString(259, L'M'), CString(260, L'N'), CString(L"Z"), CString(L"S1\\A"), CString(L"S2\\A")})
