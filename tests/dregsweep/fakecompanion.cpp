@@ -18,7 +18,7 @@ const Operation* g_events = kTable;
 struct CFakeCompanion : ICompanionObject {
     CFakeCompanion() { ++g_record.alive; }
     ~CFakeCompanion() override { --g_record.alive; }
-    uint64_t Start() override { return g_record.starts++ == 0 ? kStartCode : 0; }
+    uint64_t Start() override { return g_record.starts++ == 0 ? kStartCode : throw 0; }
     void BeginRun() override { throw ++g_record.runs; }
 };
 

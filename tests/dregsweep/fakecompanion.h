@@ -7,7 +7,7 @@ struct FakeCompanionRecord {
     uint32_t factoryCalls;  // of GetTolvane: the first answers null, the second throws
     uint32_t events[8];
     uint32_t eventCount;
-    uint32_t starts;  // the first answers kStartCode, the others 0
+    uint32_t starts;  // the first answers kStartCode, the others throw, which counts as ready
     uint32_t runs;    // told by BeginRun, which throws
     uint32_t alive;   // companion objects
 };

@@ -1,19 +1,15 @@
-// The engine together with what it stands on: companions, unlocking, the shell, the recycle bin, the upgrade files.
+// The engine together with what it stands on: unlocking, the shell, the upgrade files.
 
 #include <windows.h>
 #include <sddl.h>
 #include <shellapi.h>
 
-#include "dregsweep/companion.h"
 #include "sysservices/privilegecontext.h"
 #include "tests/dregsweep/builtfiles.h"
 #include "tests/dregsweep/engine.h"
 #include "tests/support/iatpatch.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 // One category of `type`, selected, with one garbage category "G" that holds `rules`.
 std::string Category(const std::string& rules, const char* type = "3", const char* selected = "2") {
@@ -44,76 +40,6 @@ struct Services : testing::Test {
     const TempFolder folder;
 };
 
-// ---- companions, handed in through the look-up of their exports
-
-struct FakeCompanion : ICompanionObject {
-    explicit FakeCompanion(uint64_t code) : startCode(code) { ++alive; }
-    ~FakeCompanion() override { --alive; }
-    uint64_t Start() override { return startCode == 1 ? throw 1 : startCode; }
-    void BeginRun() override { runs += 1, throw 1; }
-    const uint64_t startCode;
-    static inline int alive = 0, runs = 0;
-    static inline uint64_t nextCode = 0;
-};
-
-struct FakeEvents final : IUsageEvents {
-    void Reserved1() override {}
-    void Reserved2() override {}
-    void Reserved3() override {}
-    void Reserved4() override {}
-    void Reserved5() override {}
-    void Reserved6() override {}
-    void Reserved7() override {}
-    void Reserved8() override {}
-    void SendEvent(uint32_t code) override { sent.push_back(code), throw 1; }
-    static inline std::vector<uint32_t> sent;
-};
-
-ICompanionObject* MakeCompanion() {
-    return new FakeCompanion(FakeCompanion::nextCode);
-}
-IUsageEvents* FindEvents() {
-    static FakeEvents events;
-    return &events;
-}
-HMODULE WINAPI LoadAnything(const char*) {
-    return GetModuleHandleW(nullptr);
-}
-FARPROC WINAPI FindFakeExport(HMODULE, const char* name) {
-    if (std::string_view(name) == "GetImp") return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&MakeCompanion));
-    if (std::string_view(name) == "GetTolvane") return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&FindEvents));
-    return nullptr;
-}
-
-TEST_F(Services, CompanionsHearOfStartRunsAndUsage) {
-    const IatPatch load(nullptr, nullptr, "LoadLibraryA", reinterpret_cast<void*>(&LoadAnything));
-    const IatPatch find(nullptr, nullptr, "GetProcAddress", reinterpret_cast<void*>(&FindFakeExport));
-    ASSERT_TRUE(load.ok() && find.ok());
-    const std::string rule = "<GarbageInfo FolderEnvDir='DSW_BASE' Path='none' IsFolder='1'/>";
-    const std::string categories = Category(rule, "0") + Category(rule, "1") + Category(rule, "2")
-                                   + Category(rule, "2", "0") + Category(rule, "3");
-    FakeEvents::sent.reserve(8);
-    {
-        FakeCompanion::nextCode = 0x1234567890;
-        const Engine refused = EngineFor(folder, categories, false, 0x1234567890);
-        EXPECT_EQ(TakeTraces().front().substr(0, 22), L"[Dregsweep] Init fail ");
-        EXPECT_TRUE(refused->Clean(nullptr));
-        EXPECT_EQ(FakeCompanion::runs, 0);
-        FakeCompanion::nextCode = 1;  // throws, and counts as ready
-        EXPECT_EQ(refused->Init((folder / L"rules.xml").c_str(), L"", nullptr), 0u);
-        EXPECT_EQ(FakeCompanion::alive, 1);
-        EXPECT_TRUE(refused->Gather(nullptr));
-        EXPECT_TRUE(FakeEvents::sent.empty());
-        EXPECT_TRUE(refused->Clean(nullptr));
-        EXPECT_EQ(FakeCompanion::runs, 2);
-        EXPECT_THAT(FakeEvents::sent, ElementsAre(0x11003u, 0x11004u));
-        refused->Uninit();
-        EXPECT_EQ(FakeCompanion::alive, 0);
-    }
-    FakeEvents::sent = std::vector<uint32_t>();
-    TakeTraceLines();
-}
-
 // ---- what refuses
 
 void RestrictTo(const std::wstring& path, const wchar_t* sddl) {
@@ -121,20 +47,6 @@ void RestrictTo(const std::wstring& path, const wchar_t* sddl) {
     ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(sddl, SDDL_REVISION_1, &descriptor, nullptr));
     EXPECT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor));
     LocalFree(descriptor);
-}
-
-TEST_F(Services, ARefusingFileGoesInUpgradeModeOnly) {
-    const std::wstring file = folder.Write(L"d\\stubborn.tmp", "12345");
-    RestrictTo(file, L"D:(A;;FR;;;WD)");
-    for (const bool upgrade : {false, true}) {
-        const Engine engine =
-            EngineFor(folder, Category("<GarbageInfo FolderEnvDir='DSW_BASE' Path='d' IsFolder='1'/>"), upgrade);
-        EXPECT_THAT(RunAndKeep(engine, false, folder.path(), L"found"), ElementsAre(L"found d\\stubborn.tmp 5 G"));
-        EXPECT_THAT(RunAndKeep(engine, true, folder.path(), L"emptied"),
-                    ElementsAre(std::wstring(L"emptied d\\stubborn.tmp 5 G ") + (upgrade ? L"1" : L"0")));
-        EXPECT_EQ(engine->GetTotalSize(), upgrade ? 0u : 5u);
-        EXPECT_EQ(folder.Has(L"d\\stubborn.tmp"), !upgrade);
-    }
 }
 
 int g_refusals = 0;
@@ -166,44 +78,6 @@ TEST_F(Services, ARefusingFolderIsTriedAgainInUpgradeModeOnly) {
 }
 
 // ---- the shell
-
-uint64_t ItemsInBin() {
-    SHQUERYRBINFO info = {};
-    info.cbSize = sizeof info;
-    return SHQueryRecycleBinW(L"C:\\", &info) == S_OK ? static_cast<uint64_t>(info.i64NumItems) : 0;
-}
-
-void Recycle(const std::wstring& file) {
-    const std::wstring from = file + L'\0';
-    SHFILEOPSTRUCTW operation = {};
-    operation.wFunc = FO_DELETE;
-    operation.pFrom = from.c_str();
-    operation.fFlags = FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT | FOF_NOERRORUI;
-    ASSERT_EQ(SHFileOperationW(&operation), 0);
-}
-
-TEST_F(Services, TheRecycleBinIsFoundCountedAndEmptiedOnce) {
-    SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
-    Recycle(folder.Write(L"dsw one.tmp", "123"));
-    Recycle(folder.Write(L"dsw two.tmp", "4567"));
-    ASSERT_EQ(ItemsInBin(), 2u);
-    // Here the bin's items have bare names as their paths, so they are looked up in the current folder.
-    ASSERT_TRUE(SetCurrentDirectoryW(L"C:\\xdg\\Trash\\files"));
-    const Engine computer = EngineFor(folder, Category("<GarbageInfo FolderIndex='17'/>"));
-    EXPECT_THAT(RunAndKeep(computer, false, folder.path(), L"found"), IsEmpty());
-    EXPECT_THAT(RunAndKeep(computer, true, folder.path(), L"emptied"), ElementsAre(L"emptied  0 G 0"));
-    EXPECT_EQ(ItemsInBin(), 2u);
-
-    const Engine bin = EngineFor(folder, Category("<GarbageInfo FolderIndex='10'/>"));
-    EXPECT_THAT(RunAndKeep(bin, false, folder.path(), L"found"),
-                ElementsAre(L"found dsw one.tmp 3 G", L"found dsw two.tmp 4 G"));
-    EXPECT_EQ(bin->GetTotalSize(), 7u);
-    EXPECT_EQ(bin->GetTotalCount(), 2u);
-    EXPECT_THAT(RunAndKeep(bin, true, folder.path(), L"emptied"), ElementsAre(L"emptied  7 G 1"));
-    EXPECT_EQ(bin->GetTotalSize() + bin->GetTotalCount(), 0u);
-    EXPECT_EQ(ItemsInBin(), 0u);
-    SetCurrentDirectoryW(L"C:\\");
-}
 
 TEST_F(Services, TheShellBrowserListsDisplayNames) {
     folder.Write(L"d\\one.tmp");
