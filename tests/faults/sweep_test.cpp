@@ -52,7 +52,7 @@ constexpr std::string_view kCannotFail =
 constexpr std::string_view kElsewhere =
     " GetSystemDirectoryA LoadLibraryW SetUnhandledExceptionFilter StartServiceW AddAccessDeniedAce "
     "SetSecurityDescriptorOwner ";
-// Called by the compiler's runtime only.
+// Called by the compiler's runtime only, the stack protector included.
 constexpr std::string_view kRuntime =
     " AddVectoredExceptionHandler CreateEventA CreateSemaphoreA DuplicateHandle GetHandleInformation "
     "GetProcessAffinityMask GetSystemTimeAsFileTime GetThreadContext GetThreadPriority GetTickCount64 IsDBCSLeadByteEx "
@@ -60,7 +60,8 @@ constexpr std::string_view kRuntime =
     "ResumeThread RtlCaptureContext RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind SetEvent "
     "SetProcessAffinityMask "
     "SetThreadContext SetThreadPriority Sleep SuspendThread TlsAlloc TlsGetValue TlsSetValue TryEnterCriticalSection "
-    "VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject __C_specific_handler ";
+    "VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject __C_specific_handler "
+    "CryptAcquireContextA CryptGenRandom CryptReleaseContext ";
 
 using AnyFunction = uintptr_t(WINAPI*)(uintptr_t, uintptr_t, uintptr_t, uintptr_t, uintptr_t, uintptr_t, uintptr_t,
                                        uintptr_t, uintptr_t, uintptr_t, uintptr_t);
@@ -210,7 +211,7 @@ public:
         for (auto& buffer : context.scratch)
             buffer.reset();
     }
-    bool MayLeak() const override { return !m_hasTexts; }
+    bool MayLeak() const override { return g_memoryEnds && !m_hasTexts; }
 
 protected:
     bool HasValue(const wchar_t* key, const wchar_t* value) const {
