@@ -88,10 +88,18 @@ void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept 
         DeleteFileW(file->copyPath.c_str());
 }
 
+// WinINet's own threads go on when all handles are closed: its code must stay when a host unloads the engine, which may
+// be the only one that holds it.
+void KeepWinInetLoaded() noexcept {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN, L"wininet.dll", &module);
+}
+
 }  // namespace
 
 uint32_t CInternetFileProc::Init() noexcept {
     if (m_initialised) return kSuccess;
+    KeepWinInetLoaded();
     uint32_t result = OpenRoots();
     // Whether or not a handle opened, on purpose.
     if (!LoadVersion()) result = kInitNoHandle;

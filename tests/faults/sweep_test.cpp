@@ -45,8 +45,9 @@ constexpr Refusal kRefusals[] = {
 // Imports that cannot fail: identities, locks, kernel32's own handle, what only frees or computes or answers a default.
 constexpr std::string_view kCannotFail =
     " GetLengthSid DeleteCriticalSection EnterCriticalSection GetCurrentProcess GetCurrentProcessId GetCurrentThread "
-    "GetCurrentThreadId GetLastError GetPrivateProfileIntW InitializeCriticalSection LeaveCriticalSection SetLastError "
-    "CoTaskMemFree ILGetSize GetDesktopWindow GetModuleHandleW FreeSid DestroyIcon ";
+    "GetCurrentThreadId GetLastError GetPrivateProfileIntW InitializeCriticalSection InitializeCriticalSectionEx "
+    "LeaveCriticalSection SetLastError "
+    "CoTaskMemFree ILGetSize GetDesktopWindow GetModuleHandleW GetModuleHandleExW FreeSid DestroyIcon ";
 // Of the crash filter, of a service that is installed and of taking ownership, which have tests that refuse them; and
 // the deny entries that nobody adds.
 constexpr std::string_view kElsewhere =
