@@ -30,8 +30,9 @@ std::string Numbered(const char* before, size_t number, const char* after) {
 // of them with a loop and one with exclusions, one by a shell folder, one by a registry value, and one is a registry
 // rule. All that they name is what every Windows has.
 std::string MixedRule(size_t n) {
-    const std::string path = Numbered(R"(Path="Vendor Name\Product Line\Version )", n,
-                                      R"(\User Data\Default\Service Worker\Storage\Cached Files of the Product")");
+    const std::string path =
+        Numbered(R"(Path="Vendor Name\Product Line\Version )", n,
+                 R"(\User Data\Default\Service Worker\Storage\Cached Files of the Product Itself")");
     const std::string common =
         path
         + R"( IsFolder="1" Iteration="1" Filter="*.cache;*.tmp" ExcludeFilter="keep_|session|.lock|index" )"
@@ -105,7 +106,8 @@ std::string MixedRules(size_t count) {
         if (n % 5 == 0) rules += Numbered(R"(<GarbageCatagory Name="Garbage )", n, "\">\n");
         rules +=
             Numbered("  <!-- Files that version ", n,
-                     " of the product makes anew by itself when they are gone: it starts a little slower once. -->\n  ")
+                     " of the product makes anew by itself when they are gone: it starts a little slower once, and "
+                     "fetches again over the network what it had kept. -->\n  ")
             + MixedRule(n) + "\n";
         if (n % 5 == 4) rules += "</GarbageCatagory>\n";
         if (n % 20 == 19) rules += "</AppInfo>\n";
