@@ -52,7 +52,7 @@ void PrintFindingsJson(COutput& out, const std::vector<CheckFinding>& findings) 
                                              {"warnings", CountFindings(findings, CheckSeverity::Warning)},
                                              {"notes", CountFindings(findings, CheckSeverity::Note)},
                                              {"findings", list}};
-    out.Line(Utf8ToWide(document.dump(2)));
+    out.Write(Utf8ToWide(document.dump(2) + '\n'));
 }
 
 size_t CountFindings(const std::vector<CheckFinding>& findings, CheckSeverity severity) {

@@ -43,6 +43,13 @@ size_t Columns(std::wstring_view text) noexcept {
     return columns;
 }
 
+std::wstring Printable(std::wstring_view text) {
+    const auto isControl = [](wchar_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); };
+    std::wstring printable(text);
+    std::replace_if(printable.begin(), printable.end(), isControl, L'\uFFFD');
+    return printable;
+}
+
 std::wstring PadRight(std::wstring_view text, size_t columns) {
     return std::wstring(text) + Blanks(text, columns);
 }

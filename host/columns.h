@@ -6,6 +6,9 @@
 // The columns that a text takes on a terminal: East Asian letters take two, combining marks none.
 size_t Columns(std::wstring_view text) noexcept;
 
+// The text with U+FFFD for control characters: a name must neither end the line nor command the terminal.
+std::wstring Printable(std::wstring_view text);
+
 // The text with blanks behind or before it, up to `columns`; a longer text stays as it is.
 std::wstring PadRight(std::wstring_view text, size_t columns);
 std::wstring PadLeft(std::wstring_view text, size_t columns);

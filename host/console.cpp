@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/columns.h"
 #include "sysservices/text.h"
 
 namespace {
@@ -51,7 +52,7 @@ void COutput::Write(std::wstring_view text) {
 }
 
 void COutput::Line(std::wstring_view text) {
-    Write(std::wstring(text) + L'\n');
+    Write(Printable(text) + L'\n');
 }
 
 void COutput::WriteTerminal(std::wstring_view text) noexcept {

@@ -21,6 +21,7 @@ public:
 
     // Text for a terminal goes out at once, other text in larger pieces.
     void Write(std::wstring_view text);
+    // One line, see Printable.
     void Line(std::wstring_view text = {});
     void Flush() noexcept;
     // A write failed: the disk is full, or whoever was reading is gone.

@@ -29,7 +29,7 @@ void AddCommands(CLI::App& app, CommandAction& action) {
 ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CConsole& console) {
     if (error.get_exit_code() == 0) {
         const bool isHelp = error.get_name() == "CallForHelp" || error.get_name() == "CallForAllHelp";
-        console.out.Line(Utf8ToWide(isHelp ? app.help() : std::string(error.what())));
+        console.out.Write(Utf8ToWide((isHelp ? app.help() : std::string(error.what())) + '\n'));
         return ExitStatus::Done;
     }
     // The parser complains of what is missing first, although that may be what is misspelled.

@@ -12,7 +12,7 @@ void CProgressLine::Reach(unsigned percent) {
 }
 
 void CProgressLine::Enter(std::wstring_view name) {
-    m_name = name;
+    m_name = Printable(name);
     Draw();
 }
 

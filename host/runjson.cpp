@@ -48,5 +48,5 @@ void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cle
     Json& categories = json["categories"] = Json::array();
     for (const RunResult& category : result.children)
         categories.push_back(ToJson(category, kLevels));
-    out.Line(Utf8ToWide(json.dump(2)));
+    out.Write(Utf8ToWide(json.dump(2) + '\n'));
 }
