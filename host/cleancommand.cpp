@@ -44,7 +44,8 @@ void PrintResult(COutput& out, const RunResult& result) {
     PrintTable(out, L"Deleted", result, &RunResult::deleted);
     if (result.left.items != 0) PrintTable(out, L"Not deleted", result, &RunResult::left);
     std::wstring reasons = PrintNotDeleted(out, result, ItemState::InUse, L"In use by another program:");
-    reasons += PrintNotDeleted(out, result, ItemState::Refused, L"Refused (read-only, or the access rights):");
+    reasons +=
+        PrintNotDeleted(out, result, ItemState::Refused, L"Refused (read-only, access rights, or an unusable name):");
     reasons += PrintNotDeleted(out, result, ItemState::Gone, L"Gone before they could be deleted:");
     reasons += PrintNotDeleted(out, result, ItemState::NotTried, L"Not tried (not reached, or beside dsw.exe):");
     if (!reasons.empty()) reasons = L":" + reasons.substr(1);

@@ -21,8 +21,11 @@ const wchar_t* Text(ItemState state) noexcept {
 }
 
 ItemState WhyNotDeleted(const std::wstring& path) noexcept {
-    // What the shell lists may go by a name that is no path.
-    if (path.find(L'\\') == path.npos) return ItemState::Refused;
+    // What the shell lists may go by a name that is no path, and of a path that the system refuses or takes for another
+    // it does not tell whether the file is there.
+    const bool isPlain =
+        path.find(L'\\') != path.npos && path.size() < MAX_PATH && path.back() != L'.' && path.back() != L' ';
+    if (!isPlain) return ItemState::Refused;
     switch (DeleteError(path.c_str())) {
         case ERROR_FILE_NOT_FOUND:
         case ERROR_PATH_NOT_FOUND:

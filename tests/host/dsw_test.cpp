@@ -165,7 +165,7 @@ TEST_F(Dsw, CleansOnlyAfterYesAndCountsOnlyWhatIsGone) {
     }
     EXPECT_EQ(Run(L"clean " + Rules(), "Yes\r\n"), 0U);
     EXPECT_TRUE(!m_folder.Has(L"junk\\a") && m_folder.Has(L"junk\\stays"));
-    EXPECT_THAT(m_out, HasSubstr("rights):\n  " + WideToUtf8(m_folder / L"junk\\stays") + "\n"));
+    EXPECT_THAT(m_out, HasSubstr("name):\n  " + WideToUtf8(m_folder / L"junk\\stays") + "\n"));
     EXPECT_THAT(m_out, HasSubstr("Freed 1.4 KB (1,500 bytes) in 1 item; not deleted: 1 item, 5 bytes: 1 refused.\n"));
 }
 

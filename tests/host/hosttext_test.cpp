@@ -1,17 +1,14 @@
 #include <gmock/gmock.h>
 
 #include "host/columns.h"
+#include "host/itemstate.h"
 #include "host/progressline.h"
 
 TEST(HostText, SizesAreReadableAndExact) {
-    const std::pair<uint64_t, const wchar_t*> rows[] = {
-        {1, L"1 byte"},
-        {1024, L"1.0 KB (1,024 bytes)"},
-        {1024 * 1024 - 1, L"1023.9 KB (1,048,575 bytes)"},
-        {~0ULL, L"15.9 EB (18,446,744,073,709,551,615 bytes)"},
-    };
-    for (const auto& [bytes, text] : rows)
-        EXPECT_EQ(FullSize(bytes), text);
+    EXPECT_EQ(FullSize(1), L"1 byte");
+    EXPECT_EQ(FullSize(1024), L"1.0 KB (1,024 bytes)");
+    EXPECT_EQ(FullSize(1024 * 1024 - 1), L"1023.9 KB (1,048,575 bytes)");
+    EXPECT_EQ(FullSize(~0ULL), L"15.9 EB (18,446,744,073,709,551,615 bytes)");
 }
 
 TEST(HostText, ColumnsFollowTheWidthOfLetters) {
@@ -21,14 +18,14 @@ TEST(HostText, ColumnsFollowTheWidthOfLetters) {
     EXPECT_EQ(Shorten(L"a中b", 2), L"a");
     EXPECT_EQ(Shorten(L"a😀b", 2), L"a");
     EXPECT_EQ(Shorten(L"a😀b", 3), L"a😀");
+    EXPECT_EQ(Printable(L"a\r\x1B\x9B\xA0"), L"a\uFFFD\uFFFD\uFFFD\xA0");
 }
 
 TEST(HostText, ProgressNeverGoesBack) {
     COutput nowhere(nullptr);
     CProgressLine line(nowhere, /*hidden=*/false);
     // The overlapping ranges of three nodes, and of nodes within them.
-    const std::pair<unsigned, const wchar_t*> rows[] = {
-        {0, L"....]   0%"}, {33, L"....]  33%"}, {16, L"....]  33%"}, {66, L"##.......]  66%"}, {120, L"####] 100%"}};
+    const std::pair<unsigned, const wchar_t*> rows[] = {{33, L"....]  33%"}, {16, L"....]  33%"}, {120, L"####] 100%"}};
     for (const auto& [reached, shown] : rows) {
         line.Reach(reached);
         EXPECT_THAT(line.Text(80), testing::HasSubstr(shown));
@@ -36,4 +33,11 @@ TEST(HostText, ProgressNeverGoesBack) {
     line.Count({2, 2048});
     line.Enter(L"Zwischenspeicher");
     EXPECT_EQ(line.Text(54), L"[####################] 100%  2 items, 2.0 KB  Zwischen");
+}
+
+TEST(HostText, ToldAsGoneOnlyWhenTheSystemKnows) {
+    EXPECT_EQ(WhyNotDeleted(L"C:\\none"), ItemState::Gone);
+    for (const std::wstring& path :
+         std::vector<std::wstring>{L"none", L"C:\\none.", L"C:\\none ", std::wstring(260, L'\\')})
+        EXPECT_EQ(WhyNotDeleted(path), ItemState::Refused);
 }
