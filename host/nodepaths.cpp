@@ -1,8 +1,8 @@
 #include "host/nodepaths.h"
 
-#include <algorithm>
 #include <set>
 
+#include "host/columns.h"
 #include "host/treewalk.h"
 #include "sysservices/text.h"
 
@@ -13,8 +13,9 @@ using Taken = std::set<std::wstring>;
 
 template <class Node>
 std::wstring Segment(Node& node, const Taken& /*neighbours*/) {
-    std::wstring name = node.GetInfo()->NameText;
-    std::replace(name.begin(), name.end(), L'/', L'-');
+    std::wstring name = Printable(node.GetInfo()->NameText);
+    for (size_t at = 0; (at = name.find_first_of(L"/*?", at)) != name.npos;)
+        name[at] = L'-';
     return name;
 }
 

@@ -1,9 +1,5 @@
 #include "host/selection.h"
 
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include <utility>
 
 #include "host/hosterror.h"
@@ -62,8 +58,27 @@ bool SetMatching(IDregsweep& engine, bool selected, const Matches& matches) {
     return found;
 }
 
-bool Matches(const std::wstring& path, const CString& pattern) noexcept {
-    return PathMatchSpecExW(path.c_str(), pattern.c_str(), PMSF_NORMAL | PMSF_DONT_STRIP_SPACES) == S_OK;
+// Not PathMatchSpec, to which "*.*" is everything and ";" an end: what matches more than it says is deleted.
+bool Matches(std::wstring_view path, std::wstring_view pattern) noexcept {
+    constexpr size_t kNone = std::wstring_view::npos;
+    size_t at = 0, next = 0;
+    size_t lastStar = kNone, endOfStar = 0;  // of the pattern and of the path
+    while (at < path.size()) {
+        const wchar_t wanted = next < pattern.size() ? pattern[next] : L'\0';
+        if (wanted == L'*') {
+            lastStar = next++;
+            endOfStar = at;
+        } else if (wanted == L'?' || wanted == path[at]) {
+            ++next;
+            ++at;
+        } else if (lastStar != kNone) {
+            next = lastStar + 1;
+            at = ++endOfStar;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', next) == kNone;
 }
 
 }  // namespace
@@ -103,12 +118,13 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
             continue;
         }
         if (kind == Kind::Only && std::exchange(isFirstOnly, false)) SetAll(engine, false);
-        const CString wanted = Utf8ToWide(pattern);
+        const CString wanted = ToLower(Utf8ToWide(pattern));
         const auto matches = [&](const IEUObject& node) {
-            return Matches(original.Of(node), wanted) || Matches(localised.Of(node), wanted);
+            return Matches(ToLower(original.Of(node)), wanted) || Matches(ToLower(localised.Of(node)), wanted);
         };
         if (!SetMatching(engine, kind != Kind::Deselect, matches))
-            throw CHostError(L"nothing matches the pattern \"" + wanted + L"\": dsw list shows the paths to match",
-                             ExitStatus::WrongUsage);
+            throw CHostError(
+                L"nothing matches the pattern \"" + Utf8ToWide(pattern) + L"\": dsw list shows the paths to match",
+                ExitStatus::WrongUsage);
     }
 }
