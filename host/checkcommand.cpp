@@ -37,6 +37,5 @@ void AddCheckCommand(CLI::App& app, CommandAction& action) {
         "Examples:\n"
         "  dsw check rules.xml --text ResIDText.xml\n"
         "  dsw check rules.xml SysUpgradeConfig.xml --text ResIDText.xml --json");
-    command->callback(
-        [&action, options] { action = [options](CConsole& console) { return RunCheck(*options, console); }; });
+    SetAction(*command, action, options, RunCheck);
 }

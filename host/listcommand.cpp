@@ -22,11 +22,9 @@ void AddListCommand(CLI::App& app, CommandAction& action) {
     AddScopeOptions(*command, *options);
     AddHelp(
         *command,
-
         "Behind each node stands its path, by the names of the rule file, for the selecting options of all commands.\n"
-        "A pattern (* any text, ? any character) is compared with the whole path in the language of the rule file and "
-        "in\n"
-        "the one shown; capitals do not matter. It selects all that is below what it matches.\n\n"
+        "A pattern (* any text, ? any character) is compared with the whole path, in the language of the rule file\n"
+        "and in the one shown; capitals do not matter. It means all that is below what it matches.\n\n"
         "Examples:\n"
         "  dsw list --rules rules.xml --text text\\de\\ResIDText.xml\n"
         "  dsw list --rules rules.xml --only \"Browsers/*\" --deselect \"*/Cookies\"");

@@ -28,6 +28,8 @@ const wchar_t* Meaning(uint32_t code) noexcept {
         case kStreamNotReady:
             return kNotReady;
         case kFileFailed:
+            return L"the server did not deliver: check the address, that the server is up, and that a list holds plain "
+                   L"file names";
         case kBufFailed:
         case kStreamFailed:
             return kFailed;
@@ -43,9 +45,8 @@ const wchar_t* Meaning(uint32_t code) noexcept {
         case kListNotReady:
             return L"the address has no \"/\": give the full one, such as http://server/rules/list.txt";
         case kListRenameFailed:
-            return L"a new file could not take its place, another program holds the old one: the files before it in "
-                   L"the "
-                   L"list are new, those behind it are old, and their new copies end in _bak";
+            return L"another program holds an old file: the files before it in the list are new, those behind it old, "
+                   L"and their new copies end in _bak";
         default:
             return L"an answer that this dsw.exe does not know";
     }
