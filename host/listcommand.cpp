@@ -27,6 +27,6 @@ void AddListCommand(CLI::App& app, CommandAction& action) {
         "and in the one shown; capitals do not matter. It means all that is below what it matches.\n\n"
         "Examples:\n"
         "  dsw list --rules rules.xml --text text\\de\\ResIDText.xml\n"
-        "  dsw list --rules rules.xml --only \"Browsers/*\" --deselect \"*/Cookies\"");
+        "  dsw list --rules rules.xml --only \"Browsers/*\" --deselect \"*/Offline content\"");
     SetAction(*command, action, options, RunList);
 }

@@ -102,11 +102,11 @@ void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
             ->group("Selecting (in the order given)")
             ->trigger_on_parse();
     };
-    addFlag("--all", Kind::All, "Select everything");
+    addFlag("--all", Kind::All, "Select everything, also what the rule file leaves off");
     addFlag("--none", Kind::None, "Select nothing");
-    add("--only", Kind::Only, "Select what matches and nothing else; a further one adds");
-    add("--select", Kind::Select, "Select what matches, too");
-    add("--deselect", Kind::Deselect, "Deselect what matches");
+    add("--only", Kind::Only, "Select what matches, with all that is below, and nothing else; a further one adds");
+    add("--select", Kind::Select, "Select what matches, with all that is below, too");
+    add("--deselect", Kind::Deselect, "Deselect what matches, with all that is below");
 }
 
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
