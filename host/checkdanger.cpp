@@ -12,7 +12,7 @@ bool GoesEverywhere(const CheckedRule& rule) {
     return rule.ReadsChildren() && !rule.steps.empty()
            && std::all_of(rule.steps.begin(), rule.steps.end(), [](const TiXmlElement* step) {
                   return CheckedRule::MatchesAll(AttributeText(*step, "Path"))
-                         && AttributeText(*step, "AddPath").empty();
+                         && NormalPath(AttributeText(*step, "AddPath")).empty();
               });
 }
 

@@ -161,7 +161,9 @@ std::wstring NormalPath(std::wstring_view path) {
     std::vector<std::wstring> names;
     for (std::wstring& name : Split(ToLower(WithoutRoot(path)), L"\\/")) {
         if (name == L".." && !names.empty()) names.pop_back();
-        if (name != L"." && name != L"..") names.push_back(std::move(name));
+        // Windows drops dots and blanks at the end of a name.
+        name.erase(name.find_last_not_of(L". ") + 1);
+        if (!name.empty()) names.push_back(std::move(name));
     }
     if (names.size() > 1 && names[0] == L"users" && names[1] != L"public") names[1] = L"me";
     std::wstring normal;
