@@ -9,6 +9,7 @@ namespace {
 
 std::wstring WhyUnreadable(const std::wstring& path) {
     std::error_code error;
+    if (std::filesystem::is_directory(path, error)) return L"this is a folder, name the file in it";
     const auto size = std::filesystem::file_size(path, error);
     if (error) return L"there is no such file, check the path";
     if (size == 0) return L"the file is empty";
@@ -33,10 +34,16 @@ void CheckSingleRoot(const TiXmlElement& root, CCheckFindings& findings) {
 
 }  // namespace
 
+std::wstring WhyNotWellFormed(const TiXmlDocument& document) {
+    // TinyXML calls a file empty when it is plain text, or XML in UTF-16.
+    if (document.ErrorId() == TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY) return L"no element can be read, save it as UTF-8";
+    return Utf8ToWide(document.ErrorDesc());
+}
+
 bool LoadCheckedFile(const std::wstring& path, TiXmlDocument& document, CCheckFindings& findings) {
     if (!LoadXmlDocument(path.c_str(), document)) {
         if (document.Error())
-            findings.Add(CheckCodes::kNotWellFormed, document.ErrorRow(), Utf8ToWide(document.ErrorDesc()));
+            findings.Add(CheckCodes::kNotWellFormed, document.ErrorRow(), WhyNotWellFormed(document));
         else
             findings.Add(CheckCodes::kCannotRead, 0, WhyUnreadable(path));
         return false;

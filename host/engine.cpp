@@ -2,6 +2,7 @@
 
 #include <tinyxml.h>
 
+#include "host/checkfile.h"
 #include "host/hosterror.h"
 #include "sysservices/xmldocument.h"
 
@@ -36,7 +37,7 @@ void RequireXml(const CString& path, const CString& name, const CString& remedy)
         throw CHostError(L"cannot read " + name + L": it is empty, open in another program, or nested too deeply");
     CString line;
     if (document.ErrorRow() > 0) line = L", line " + std::to_wstring(document.ErrorRow()) + L",";
-    throw CHostError(name + line + L" is no well-formed XML: " + Utf8ToWide(document.ErrorDesc()));
+    throw CHostError(name + line + L" is no well-formed XML: " + WhyNotWellFormed(document));
 }
 
 [[noreturn]] void ThrowUnusable(const CString& rules) {

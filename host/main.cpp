@@ -32,13 +32,19 @@ ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CCo
         console.out.Write(Utf8ToWide((isHelp ? app.help() : std::string(error.what())) + '\n'));
         return ExitStatus::Done;
     }
-    // The parser complains of what is missing first, although that may be what is misspelled.
-    const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
-    const std::string message = unknown.empty() ? error.what() : "there is no \"" + unknown.front() + '"';
     std::string command = "dsw";
-    for (const CLI::App* level = &app; !level->get_subcommands().empty();) {
+    const CLI::App* level = &app;
+    while (!level->get_subcommands().empty()) {
         level = level->get_subcommands().back();
         command += ' ' + level->get_name();
+    }
+    // The parser complains of what is missing first, although that may be what is misspelled.
+    const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
+    std::string message = error.what();
+    if (!unknown.empty()) {
+        const bool isName = level->get_require_subcommand_min() > 0 || unknown.front().starts_with('-');
+        const std::string word = '"' + unknown.front() + '"';
+        message = isName ? "there is no " + word : word + " belongs to no option";
     }
     console.err.Line(L"dsw: " + Utf8ToWide(message + " (" + command + " --help tells the usage)"));
     return ExitStatus::WrongUsage;
