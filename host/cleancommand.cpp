@@ -105,7 +105,7 @@ void AddCleanCommand(CLI::App& parent, CommandAction& action, bool upgradeMode) 
                                     "  dsw upgrade-leftovers clean"
                                   : "Examples:\n"
                                     "  dsw clean --rules rules.xml --dry-run --items\n"
-                                    "  dsw clean --rules rules.xml --only \"System/Windows/Temporary files\"\n"
+                                    "  dsw clean --rules rules.xml --only \"System/*/Temporary files\"\n"
                                     "  dsw clean --rules rules.xml --yes --json >deleted.json");
     SetAction(*command, action, options, RunClean);
 }

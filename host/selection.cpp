@@ -10,6 +10,8 @@ namespace {
 
 using Kind = SelectionStep::Kind;
 
+constexpr const char* kGroup = "Selecting (in the order given; dsw list --help explains patterns)";
+
 // What stands below a deselected node is off, whatever the rule file says of it. Make the states say so, too: the
 // engine derives the state of the node from them when one of them is selected, and the others would come on with it.
 void SwitchOffBelowDeselected(IDregsweep& engine) {
@@ -88,7 +90,7 @@ void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
         const auto append = [&steps, kind](const std::string& pattern) { steps.push_back({kind, pattern}); };
         command.add_option_function<std::string>(name, append, description)
             ->type_name("PATTERN")
-            ->group("Selecting (in the order given)")
+            ->group(kGroup)
             ->trigger_on_parse();
     };
     const auto addFlag = [&](const char* name, Kind kind, const char* description) {
@@ -99,7 +101,7 @@ void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
                     steps.push_back({kind, {}});
                 },
                 description)
-            ->group("Selecting (in the order given)")
+            ->group(kGroup)
             ->trigger_on_parse();
     };
     addFlag("--all", Kind::All, "Select everything, also what the rule file leaves off");
