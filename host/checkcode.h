@@ -49,6 +49,7 @@ inline constexpr CheckCode kLoopWithoutStep{L"loop-without-step", CheckSeverity:
 inline constexpr CheckCode kExcludeWithoutChild{L"exclude-without-child", CheckSeverity::Warning};
 inline constexpr CheckCode kUnresolvableLocation{L"unresolvable-location", CheckSeverity::Warning};
 inline constexpr CheckCode kUnreachableToken{L"unreachable-token", CheckSeverity::Warning};
+inline constexpr CheckCode kImpossibleToken{L"impossible-token", CheckSeverity::Warning};
 inline constexpr CheckCode kDroppedToken{L"dropped-token", CheckSeverity::Warning};
 inline constexpr CheckCode kDoesNothing{L"does-nothing", CheckSeverity::Warning};
 inline constexpr CheckCode kNoEffect{L"no-effect", CheckSeverity::Warning};

@@ -28,6 +28,11 @@ TokenForm FormOf(const std::wstring& token) noexcept {
 
 void CheckReach(const ContainmentSet& tokens, const std::wstring& token, const TiXmlBase& place,
                 CCheckFindings& findings) {
+    if (token.find_first_of(L"*?\"<>:/\\") != std::wstring::npos) {
+        findings.Add(CheckCodes::kImpossibleToken, place,
+                     L"\"" + token + L"\" keeps nothing: tokens are parts of names, without wildcards");
+        return;
+    }
     const TokenForm form = FormOf(token);
     // A name that equals its token is always found.
     if (form == TokenForm::WholeName) return;

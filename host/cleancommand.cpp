@@ -56,6 +56,7 @@ void PrintResult(COutput& out, const RunResult& result) {
 // What is found is shown before the question. Nothing when the clean may begin.
 std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& options, CConsole& console,
                                   const CCancel& cancel) {
+    WarnWhenNothingIsSelected(*engine, console);
     // With --yes the list of what became of the items says the same as one of what was found.
     CRunObserver observer(*engine, console, cancel, options.items && !options.json && (options.dryRun || !options.yes));
     const ExitStatus status = observer.Run(&IDregsweep::Gather);

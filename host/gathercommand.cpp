@@ -13,6 +13,7 @@ void AddGatherOptions(CLI::App& command, GatherOptions& options) {
 ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
     const CCancel cancel;
     const CEngine engine(options);
+    WarnWhenNothingIsSelected(*engine, console);
     CRunObserver observer(*engine, console, cancel, options.items && !options.json);
     const ExitStatus status = observer.Run(&IDregsweep::Gather);
     const RunResult result = CollectResult(engine, nullptr, options.json);

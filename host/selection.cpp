@@ -130,3 +130,12 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
                 ExitStatus::WrongUsage);
     }
 }
+
+void WarnWhenNothingIsSelected(IDregsweep& engine, CConsole& console) {
+    bool isAnything = false;
+    WalkTree(engine, [&isAnything](auto& node, size_t) {
+        isAnything = isAnything || node.GetState() != SelectionNone;
+        return false;
+    });
+    if (!isAnything) console.err.Line(L"dsw: nothing is selected: choose with --all, --only or --select");
+}

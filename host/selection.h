@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dregsweep/idregsweep.h"
+#include "host/console.h"
 
 // One selecting option of the command line.
 struct SelectionStep {
@@ -26,3 +27,6 @@ class CNodePaths;
 // pattern without a match.
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
                     const CNodePaths& localised);
+
+// Says so on the error output when the run is going to find nothing because nothing is selected.
+void WarnWhenNothingIsSelected(IDregsweep& engine, CConsole& console);

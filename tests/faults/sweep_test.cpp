@@ -240,7 +240,7 @@ constexpr const char* kFileRules = R"(><GarbageCatagory Name='G'>
  ExcludePath='1'><ExcludePath Path='\KEEP' ExactMatch='1'/></GarbageInfo>
 <GarbageInfo FolderEnvDir='DSW_JOB' Path='b' IsFolder='1' Iteration='1' ExcludePath='1'><ExcludePath Path='KEEP'/>
 </GarbageInfo>
-<GarbageInfo FolderEnvDir='DSW_JOB' Path='c\5.dat'/>
+<GarbageInfo FolderEnvDir='DSW_JOB' Path='ç\5.dat'/>
 <GarbageInfo FolderEnvDir='DSW_JOB' Path='d' IsFolder='1' LoopPath='1'><LoopPath Path='*'/>
 <LoopPath TerminalPath='cache'/></GarbageInfo>
 <GarbageInfo GetByReg='1' RootKey='HKCU' Path='@' Value='From'/>
@@ -250,7 +250,7 @@ constexpr const char* kFileRules = R"(><GarbageCatagory Name='G'>
 <GarbageInfo Registry='1' RootKey='HKCU' KeyPath='@\D'/>
 <GarbageInfo Registry='1' RootKey='HKCU' KeyPath='@\D' DelKey='1'/>)";
 const std::vector<const wchar_t*> kFiles = {L"a\\1.tmp", L"a\\s\\2.tmp",        L"b\\3.log", L"b\\s\\4.log",
-                                            L"c\\5.dat", L"d\\p\\cache\\6.dat", L"e\\7.dat", L"h\\8.dat"};
+                                            L"ç\\5.dat", L"d\\p\\cache\\6.dat", L"e\\7.dat", L"h\\8.dat"};
 
 // The recycle bin, a folder that the shell lists, and the history.
 struct ShellJob final : EngineJob {

@@ -95,6 +95,7 @@ TEST(Check, FindsFaultsOfARule) {
         {"2W unreachable-token, 2W unreachable-token", {tool + "ExcludeFilter='.tmp|.log|.bak|.old'"}},
         {"2W unreachable-token", {tool + "ExcludeFilter='.tmp|.log'"}},
         {"2W dropped-token", {tool + "ExcludeFilter='.log1|.log'"}},
+        {"2W impossible-token", {tool + "ExcludeFilter='*.bak'"}},
         {"2N whole-name-token", {tool + "ExcludeFilter='Cookies|History'"}},
         {"3W duplicate-rule",
          {tool + "/>\n<GarbageInfo SelState='0' FolderEnvDir='USERPROFILE' Path='appdata\\local\\tool' IsFolder='1'>"}},
