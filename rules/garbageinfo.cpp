@@ -11,6 +11,7 @@
 #include "sysservices/appinfomanager.h"
 #include "sysservices/fileaccess.h"
 #include "sysservices/filesearch.h"
+#include "sysservices/literalpath.h"
 #include "sysservices/nothrow.h"
 #include "sysservices/reference.h"
 #include "sysservices/trace.h"
@@ -336,7 +337,7 @@ bool CGarbageInfo::CleanFound() {
         path = item->Path();
         const uint64_t size = item->size;
         const CItemIdList itemId = std::move(item->itemId);  // likewise: the shell may let messages in meanwhile
-        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(path);
+        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(LiteralPath(path));
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
         // Removed after the report, whatever became of it and also when the host stops here, on purpose.

@@ -27,3 +27,14 @@ TEST_F(RuleTest, HostFolderStaysListedAndUnreported) {
     EXPECT_THAT(Listed(rule), ElementsAre(L"App\\b", L"App2\\c"));  // a part of the path, not a folder of it
     EXPECT_TRUE(m_folder.Has(L"App\\b") && m_folder.Has(L"App2\\c") && !m_folder.Has(L"a"));
 }
+
+TEST_F(RuleTest, DeletesTheFoundFileAndNotTheOneThatWindowsTakesItFor) {
+    const auto path = [&](const wchar_t* name) { return L"\\\\?\\" + m_folder / name; };
+    for (const wchar_t* name : {L"trail", L"trail.", L"trail "})
+        CloseHandle(CreateFileW(path(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    RecordingRule rule;
+    EXPECT_TRUE(rule.Load(m_files + "Filter='trail?'") && rule.Gather() && rule.Clean(0, 0, 0));
+    EXPECT_THAT(rule.emptied, testing::UnorderedElementsAre(L"+trail.", L"+trail "));
+    for (const auto& [name, stays] : {std::pair(L"trail", true), {L"trail.", false}, {L"trail ", false}})
+        EXPECT_EQ(GetFileAttributesW(path(name).c_str()) != INVALID_FILE_ATTRIBUTES, stays) << name;
+}
