@@ -46,7 +46,7 @@ void Fetch(HINTERNET root, const std::wstring& url, const std::wstring& path) {
     const CHandle file(
         CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     static char buffer[10240];
-    const DWORD chunk = available < sizeof buffer ? available : DWORD{sizeof buffer};
+    const DWORD chunk = available > 0 && available < sizeof buffer ? available : DWORD{sizeof buffer};
     DWORD read = 0;
     DWORD written = 0;
     do {

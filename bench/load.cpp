@@ -116,6 +116,15 @@ std::string MixedRules(size_t count) {
     return rules;
 }
 
+// Init answers 0 for a file that it cannot read, too.
+size_t CountCategories(IDregsweep& engine) {
+    size_t count = 0;
+    CReference<IAppCatagory> category(engine.GetFirstCategory());
+    for (; category; ++count)
+        category = CReference<IAppCatagory>(engine.GetNextCategory(category.get()));
+    return count;
+}
+
 }  // namespace
 
 std::vector<Figure> BenchLoad(Bench& bench) {
@@ -135,6 +144,7 @@ std::vector<Figure> BenchLoad(Bench& bench) {
         uint64_t code = 1;
         const double seconds = Seconds([&] { code = engine->Init(path.c_str(), L"", nullptr); });
         RequireSame(0, code, "result of Init");
+        RequireSame(count / 100, CountCategories(*engine), "categories");
         return seconds;
     };
     return {RatioFigure("load a rule file of " + Thousands(count) + " rules, " + Thousands(rules.size()) + " bytes",
