@@ -72,7 +72,11 @@ ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
 
 void ShowError(const std::exception& error, CConsole& console) {
     console.out.Flush();
-    console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+    try {
+        console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+    } catch (const std::exception&) {
+        console.err.Line(L"dsw: failed, and there is no memory to say why");
+    }
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
+#include <functional>
+#include <limits>
 #include <new>
 #include <numeric>
 #include <utility>
@@ -15,16 +16,16 @@ constexpr size_t kLargestChunk = 65536;
 
 }  // namespace
 
-CFoundItems::Item::Item(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept
+CFoundItems::FoundItem::FoundItem(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept
     : size(bytes),
       itemId(std::move(id)),
       m_length(static_cast<uint32_t>(path.size())) {
     if (!path.empty()) std::memcpy(reinterpret_cast<wchar_t*>(this + 1), path.data(), path.size() * sizeof(wchar_t));
 }
 
-size_t CFoundItems::Item::Room(size_t length) noexcept {
-    const size_t bytes = sizeof(Item) + length * sizeof(wchar_t);
-    return (bytes + alignof(Item) - 1) / alignof(Item) * alignof(Item);
+size_t CFoundItems::FoundItem::Room(size_t length) noexcept {
+    const size_t bytes = sizeof(FoundItem) + length * sizeof(wchar_t);
+    return (bytes + alignof(FoundItem) - 1) / alignof(FoundItem) * alignof(FoundItem);
 }
 
 // To the first item from here on that is not erased.
@@ -50,9 +51,10 @@ size_t CFoundItems::Count() const noexcept {
 }
 
 void CFoundItems::Append(std::wstring_view path, uint64_t size, CItemIdList itemId) {
-    const size_t room = Item::Room(path.size());
+    if (path.size() > std::numeric_limits<uint32_t>::max()) throw std::bad_alloc();
+    const size_t room = FoundItem::Room(path.size());
     Chunk& chunk = ChunkWithRoom(room);
-    ::new (chunk.bytes.get() + chunk.used) Item(path, size, std::move(itemId));
+    ::new (chunk.bytes.get() + chunk.used) FoundItem(path, size, std::move(itemId));
     chunk.used += room;
     ++chunk.count;
 }
@@ -75,7 +77,7 @@ CFoundItems::Iterator CFoundItems::Erase(Iterator item) noexcept {
 }
 
 void CFoundItems::Clear() noexcept {
-    for (Item& item : *this)
-        std::destroy_at(&item);
+    for (FoundItem& item : *this)
+        item.itemId = {};  // all that an item owns
     m_chunks.clear();
 }

@@ -13,7 +13,7 @@
 // bytes, and no allocation of its own. Items stay where they are until they are erased, also while others are appended.
 class CFoundItems {
 public:
-    struct Item {
+    struct FoundItem {
         uint64_t size;       // bytes
         CItemIdList itemId;  // the shell item's list in its folder; none for files
 
@@ -22,7 +22,7 @@ public:
 
     private:
         friend class CFoundItems;
-        Item(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept;
+        FoundItem(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept;
         static size_t Room(size_t length) noexcept;
         size_t Room() const noexcept { return Room(m_length); }
 
@@ -34,7 +34,7 @@ private:
     // A block of memory with one item after the other.
     struct Chunk {
         explicit Chunk(size_t room) : bytes(std::make_unique_for_overwrite<std::byte[]>(room)), capacity(room) {}
-        Item& At(size_t offset) const noexcept { return *reinterpret_cast<Item*>(bytes.get() + offset); }
+        FoundItem& At(size_t offset) const noexcept { return *reinterpret_cast<FoundItem*>(bytes.get() + offset); }
         std::unique_ptr<std::byte[]> bytes;
         size_t capacity;
         size_t used = 0;
@@ -45,8 +45,8 @@ private:
 public:
     class Iterator {
     public:
-        Item& operator*() const noexcept { return m_chunk->At(m_offset); }
-        Item* operator->() const noexcept { return &**this; }
+        FoundItem& operator*() const noexcept { return m_chunk->At(m_offset); }
+        FoundItem* operator->() const noexcept { return &**this; }
         Iterator& operator++() noexcept;
         bool operator==(const Iterator&) const noexcept = default;
 

@@ -14,7 +14,7 @@ CString TextOf(size_t n) {
 
 std::vector<size_t> Numbers(CFoundItems& items) {
     std::vector<size_t> numbers;
-    for (const CFoundItems::Item& item : items) {
+    for (const CFoundItems::FoundItem& item : items) {
         EXPECT_EQ(item.Path(), TextOf(item.size)) << item.size;
         numbers.push_back(item.size);
     }
