@@ -21,7 +21,7 @@ public:
     // A new engine with this rule file loaded, everything selected. `rules` is what stands inside the root element.
     CReference<IDregsweep> LoadEngine(const std::string& rules) const;
     // A new engine, not initialised.
-    CReference<IDregsweep> NewEngine() const { return m_module.CreateEngine(); }
+    CReference<IDregsweep> NewEngine() const { return m_module.CreateEngine("GetImp"); }
 
 private:
     CEngineModule m_module;
