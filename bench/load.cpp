@@ -148,7 +148,7 @@ std::vector<Figure> BenchLoad(Bench& bench) {
         return seconds;
     };
     return {RatioFigure("load a rule file of " + Thousands(count) + " rules, " + Thousands(rules.size()) + " bytes",
-                        Alternate(bench.Rounds(), floor, load), 1.15)};
+                        Alternate(bench.Rounds() * 3, floor, load), 1.15)};
 }
 
 std::vector<Figure> BenchLocalise(Bench& bench) {

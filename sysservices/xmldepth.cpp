@@ -30,6 +30,7 @@ private:
     void SkipValue() noexcept;
     void SkipName() noexcept;
     void SkipText() noexcept;
+    void SkipPlain() noexcept;
     void SkipCharacter() noexcept;
     void SkipBytes(size_t count) noexcept;
     void SkipBlanks() noexcept;
@@ -40,6 +41,9 @@ private:
     bool IsBlank() const noexcept { return m_blank[static_cast<unsigned char>(m_rest.front())]; }
     bool IsNameStart(size_t at) const noexcept;
     bool StartsWithAnyCase(std::string_view lower) const noexcept { return HasPrefix(m_rest, lower); }
+    static bool IsPlain(char c) noexcept {
+        return (c & 0x80) == 0 && c != '<' && c != '&' && c != '"' && c != '\'';
+    }
     static bool HasPrefix(std::string_view text, std::string_view lower) noexcept;
 
     bool AtEnd() const noexcept { return m_rest.empty(); }
@@ -153,7 +157,7 @@ std::string_view CXmlScanner::SkipAttribute() noexcept {
     }
     Advance(1);
     const std::string_view value = m_rest;
-    while (!AtEnd() && !Is(quote))
+    for (SkipPlain(); !AtEnd() && !Is(quote); SkipPlain())
         SkipCharacter();
     if (AtEnd()) return {};
     const size_t length = value.size() - m_rest.size();
@@ -176,12 +180,17 @@ void CXmlScanner::SkipName() noexcept {
 }
 
 void CXmlScanner::SkipText() noexcept {
-    while (!AtEnd() && !Is('<')) {
+    for (SkipPlain(); !AtEnd() && !Is('<'); SkipPlain()) {
         if (IsBlank())
             Advance(1);
         else
             SkipCharacter();
     }
+}
+
+// Most of every file: ASCII that starts nothing and ends nothing.
+void CXmlScanner::SkipPlain() noexcept {
+    Advance(static_cast<size_t>(std::find_if_not(m_rest.begin(), m_rest.end(), IsPlain) - m_rest.begin()));
 }
 
 // One character of a text or a quoted value. A numeric entity reaches to the next ";", whatever stands between:
