@@ -19,9 +19,11 @@ protected:
         const auto* headers = At<IMAGE_NT_HEADERS>(static_cast<DWORD>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
         return At<T>(headers->OptionalHeader.DataDirectory[index].VirtualAddress);
     }
-    DregsweepFactory Factory(const char* name) const {
-        return reinterpret_cast<DregsweepFactory>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
+    template <class F>
+    F Function(const char* name) const {
+        return reinterpret_cast<F>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
     }
+    DregsweepFactory Factory(const char* name) const { return Function<DregsweepFactory>(name); }
 
     const HMODULE m_module = LoadLibraryW(L"Dregsweep.dll");
 };
@@ -36,6 +38,11 @@ TEST_F(Module, ExportsTheFactoriesOnly) {
     EXPECT_THAT(names, testing::ElementsAre("EndFunc", "GetImp", "GetInetFileProcImp", "GetPrivacyProcImp",
                                             "GetSysUpgradeClearImp", "StartFunc"));
     EXPECT_EQ(Factory("GetImp"), Factory("GetPrivacyProcImp"));
+}
+
+TEST_F(Module, CannotStartAServiceThatIsNotInstalled) {
+    EXPECT_FALSE(Function<bool (*)()>("StartFunc")());
+    EXPECT_TRUE(Function<bool (*)()>("EndFunc")());
 }
 
 TEST_F(Module, ImportsSystemLibrariesOnly) {

@@ -1,11 +1,11 @@
-// Random trees under random rules, against a model that knows no more than the documents tell. A failing seed prints
-// its case. DSW_MODEL_SEEDS=FROM-TO runs others than the usual.
+// Random trees under random rules, against the model. A failing seed prints its case. DSW_MODEL_SEEDS=FROM-TO runs
+// others than the usual.
+
+#include "tests/faults/model.h"
 
 #include <windows.h>
 
-#include <map>
 #include <random>
-#include <set>
 
 #include "sysservices/privilegecontext.h"
 #include "tests/dregsweep/engine.h"
@@ -13,86 +13,6 @@
 #include "tests/support/iatpatch.h"
 
 namespace {
-
-CString Lower(CString text) {
-    CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
-    return text;
-}
-
-// Both in lower case.
-bool Like(const wchar_t* pattern, const wchar_t* name) {
-    if (*pattern == L'*') return Like(pattern + 1, name) || (*name && Like(pattern, name + 1));
-    if (!*name) return !*pattern;
-    return (*pattern == L'?' || *pattern == *name) && Like(pattern + 1, name + 1);
-}
-bool Matches(const CString& pattern, const CString& name) {
-    return pattern == L"*.*" || Like(Lower(pattern).c_str(), Lower(name).c_str());
-}
-
-struct Node {
-    struct Entry {
-        CString name;
-        std::shared_ptr<Node> node;
-        bool isLink = false;
-    };
-    CString path;
-    bool isFolder = true, isHeld = false, isReadOnly = false, exists = true;
-    uint64_t size = 0;
-    std::vector<Entry> entries = {};
-
-    Node* Find(const CString& relative) {
-        Node* node = this;
-        for (const CString& name : Split(relative, L"\\")) {
-            const auto entry = std::ranges::find_if(
-                node->entries, [&](const Entry& e) { return e.node->exists && Lower(e.name) == Lower(name); });
-            if (entry == node->entries.end()) return nullptr;
-            node = entry->node.get();
-        }
-        return node;
-    }
-};
-
-struct Rule {
-    struct Exclude {
-        CString path;
-        bool exact, iteration;
-    };
-    struct Step {
-        CString path, addPath;
-    };
-    struct Found {
-        CString path;
-        uint64_t size;
-        Node* file;  // null when no deletion can succeed
-    };
-    // Equal is what is contained in the other; only the way down the set is searched.
-    struct Containment {
-        bool operator()(const CString& a, const CString& b) const {
-            if (a.find(b) != a.npos || b.find(a) != b.npos) return false;
-            return _wcsicmp(a.c_str(), b.c_str()) < 0;  // of the C locale, which folds ASCII only
-        }
-    };
-    std::string attributes, children;
-    bool isRegistry = false, isFolder = false, iteration = false, selfExclude = false, exact = false, delKey = false;
-    CString path, filter = L"*";
-    std::set<CString, Containment> excludeFilters;
-    std::vector<Exclude> excludes;
-    std::vector<Step> steps;
-    std::vector<CString> names;  // terminal paths, or values
-    bool isLoop = false;
-    std::vector<Found> found;
-};
-
-// The engine, a category, an application, a garbage category or a rule.
-struct Level {
-    std::string name;
-    int ownState = -1;
-    bool isSelected = true;
-    uint64_t size = 0;
-    uint32_t count = 0;
-    std::vector<Level> below = {};
-    Rule rule = {};
-};
 
 const wchar_t* g_hostFile;
 DWORD WINAPI HostFile(HMODULE, wchar_t* buffer, DWORD size) {
@@ -113,7 +33,10 @@ class Case {
     }
 
 public:
-    explicit Case(unsigned seed) : m_random(seed), m_upgrade(Chance(30)) {
+    explicit Case(unsigned seed) : m_random(seed) {
+        m_model.upgrade = Chance(30);
+        m_model.folder = m_folder.path();
+        m_model.base = m_base;
         Grow(*m_elsewhere, L"", 1);
         m_linked = false;
         m_relative = {L""};
@@ -123,10 +46,10 @@ public:
         for (const CString key : {L"", L"K1", L"K1\\F", L"K2", L"K2\\F", L"K3", L"K3\\g"})
             for (const CString value : {L"", L"a", L"Blue", L"ü"})
                 if (Chance(60)) SetValue(key, value);
-        if (Chance(35)) m_allowed = {Shout(m_base->path + L"\\" + Pick(m_relative)), m_base->path + L"\\t"};
-        if (Chance(30)) m_hostFolder = Lower(m_base->path + L"\\" + Pick(m_relative));
-        while (m_hostFolder.ends_with(L'\\'))
-            m_hostFolder.pop_back();
+        if (Chance(35)) m_model.allowed = {Shout(m_base->path + L"\\" + Pick(m_relative)), m_base->path + L"\\t"};
+        if (Chance(30)) m_model.hostFolder = Lower(m_base->path + L"\\" + Pick(m_relative));
+        while (m_model.hostFolder.ends_with(L'\\'))
+            m_model.hostFolder.pop_back();
         MakeLevel(m_root, 0, 2);
     }
     ~Case() {
@@ -136,11 +59,11 @@ public:
     }
 
     void Run() {
-        const CString hostFile = (m_hostFolder.empty() ? L"C:\\none" : m_hostFolder) + L"\\h.exe";
+        const CString hostFile = (m_model.hostFolder.empty() ? L"C:\\none" : m_model.hostFolder) + L"\\h.exe";
         g_hostFile = hostFile.c_str();
         const IatPatch patch("GetModuleFileNameW", HostFile);
-        const Engine engine(new CDregsweep(m_upgrade));
-        for (const CString& prefix : m_allowed)
+        const Engine engine(new CDregsweep(m_model.upgrade));
+        for (const CString& prefix : m_model.allowed)
             engine->AddAllowedPath(prefix.c_str());
         const std::wstring rules = m_folder.Write(L"rules.xml", Xml(m_root, 0));
         ASSERT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
@@ -148,8 +71,7 @@ public:
             RecordingHost host(m_folder.path());
             EXPECT_TRUE(clean ? engine->Clean(&host) : engine->Gather(&host));
             std::erase_if(host.lines, [](const std::wstring& line) { return line[0] != L'f' && line[0] != L'e'; });
-            Lines expected;
-            Expect(m_root, clean, expected);
+            Lines expected = m_model.Run(m_root, clean);
             // The order within a folder is the system's.
             std::ranges::sort(expected);
             std::ranges::sort(host.lines);
@@ -157,12 +79,12 @@ public:
             Compare(*engine, m_root, clean);
             CompareFiles(*m_base);
             CompareFiles(*m_elsewhere);
-            EXPECT_EQ(ReadRegistry(m_key), m_registry);
+            EXPECT_EQ(ReadRegistry(m_key), m_model.registry);
         }
     }
     std::string Describe() const {
-        return Xml(m_root, 0) + "\nupgrade " + (m_upgrade ? "1" : "0") + " host " + WideToUtf8(m_hostFolder)
-               + " allowed " + (m_allowed.empty() ? "" : WideToUtf8(m_allowed[0])) + "\n" + m_listing;
+        return Xml(m_root, 0) + "\nupgrade " + (m_model.upgrade ? "1" : "0") + " host " + WideToUtf8(m_model.hostFolder)
+               + " allowed " + (m_model.allowed.empty() ? "" : WideToUtf8(m_model.allowed[0])) + "\n" + m_listing;
     }
 
 private:
@@ -205,8 +127,8 @@ private:
         const CString path = key.empty() ? m_key : m_key + L"\\" + key;
         RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(), REG_SZ, L"x", 4);
         for (size_t end = path.size(); end >= m_key.size() && end != path.npos; end = path.rfind(L'\\', end - 1))
-            m_registry[Lower(path.substr(0, end))];
-        m_registry[Lower(path)].insert(Lower(value));
+            m_model.registry[Lower(path.substr(0, end))];
+        m_model.registry[Lower(path)].insert(Lower(value));
     }
 
     void MakeLevel(Level& level, int depth, int parentState) {
@@ -306,156 +228,6 @@ private:
         return xml + "</" + tag + ">\n";
     }
 
-    // ---- the model
-
-    bool IsAllowed(const CString& path) const {
-        const auto begins = [&](const CString& prefix) {
-            return !_wcsnicmp(path.c_str(), prefix.c_str(), prefix.size());
-        };
-        return m_allowed.empty() || std::ranges::any_of(m_allowed, begins);
-    }
-
-    void Scan(Rule& rule, Node* folder, const CString& path, bool withFiles) {
-        if (!IsAllowed(path) || !folder) return;
-        const bool everything = rule.filter == L"*";
-        for (const Node::Entry& entry : folder->entries) {
-            const CString own = path + L"\\" + entry.name;
-            if (!entry.node->isFolder) {
-                const bool matches = entry.node->exists && withFiles && Matches(rule.filter, entry.name);
-                if (matches && !rule.excludeFilters.contains(entry.name))
-                    rule.found.push_back({own, entry.node->size, entry.node.get()});
-            } else if (rule.iteration && !(everything && entry.isLink)) {
-                const auto exclude = std::ranges::find_if(rule.excludes, [&](const Rule::Exclude& e) {
-                    return e.exact ? Lower(own).ends_with(Lower(e.path))
-                                   : Lower(entry.name).find(Lower(e.path)) != CString::npos;
-                });
-                if (exclude == rule.excludes.end())
-                    Scan(rule, entry.node.get(), own, true);
-                else if (exclude->iteration)
-                    Scan(rule, entry.node.get(), own, false);
-            }
-        }
-    }
-
-    using Place = std::pair<CString, Node*>;
-    template <class Work>
-    static void EachLoopFolder(const Place& place, Work work) {
-        if (!place.second) return;
-        for (const Node::Entry& entry : place.second->entries)
-            if (entry.node->isFolder && !entry.isLink && entry.name[0] != L'.')
-                work(entry.name, Place(place.first + L"\\" + entry.name, entry.node.get()));
-    }
-    static void FindTerminals(const Rule& rule, const Place& from, std::vector<Place>& found) {
-        EachLoopFolder(from, [&](const CString& name, const Place& place) {
-            const bool isTerminal = std::ranges::any_of(rule.names, [&](const CString& terminal) {
-                return rule.exact ? Lower(name) == terminal : Lower(name).find(terminal) != CString::npos;
-            });
-            if (isTerminal)
-                found.push_back(place);
-            else
-                FindTerminals(rule, place, found);
-        });
-    }
-    static std::vector<Place> Loop(const Rule& rule, const Place& start) {
-        std::vector<Place> current, previous;
-        for (const Rule::Step& step : rule.steps) {
-            current.clear();
-            for (const Place& from : previous.empty() ? std::vector{start} : previous)
-                EachLoopFolder(from, [&](const CString& name, Place place) {
-                    if (!Matches(step.path, name)) return;
-                    if (!step.addPath.empty())
-                        place = {place.first + L"\\" + step.addPath, place.second->Find(step.addPath)};
-                    current.push_back(place);
-                });
-            if (current.empty()) break;
-            previous = current;
-        }
-        if (rule.names.empty()) return current;
-        current.clear();
-        for (const Place& from : previous)
-            FindTerminals(rule, from, current);
-        return current;
-    }
-
-    void Gather(Rule& rule) {
-        rule.found.clear();
-        if (rule.isRegistry) return;
-        const CString path = m_base->path + (rule.path.empty() ? L"" : L"\\") + rule.path;
-        if (rule.isFolder && rule.isLoop) {
-            for (const auto& [folder, node] : Loop(rule, {path, m_base->Find(rule.path)}))
-                Scan(rule, node, folder, true);
-        } else if (rule.isFolder) {
-            Scan(rule, m_base->Find(rule.path), path, !rule.selfExclude);
-        } else {
-            CString name = rule.path;
-            const bool hasWildcard = name.ends_with(L"b?.tmp");
-            if (hasWildcard) name[name.size() - 5] = L'1';  // the one that there may be
-            Node* node = m_base->Find(name);
-            if (node) rule.found.push_back({path, node->size, hasWildcard || node->isFolder ? nullptr : node});
-        }
-    }
-
-    bool Delete(Node* file) const {
-        if (!file || !file->exists || file->isHeld || (file->isReadOnly && !m_upgrade)) return false;
-        file->exists = false;
-        return true;
-    }
-    void DeleteValues(const Rule& rule, const CString& key) {
-        const auto values = m_registry.find(Lower(key));
-        if (values == m_registry.end()) return;
-        if (rule.names.empty()) values->second.clear();
-        for (const CString& name : rule.names)
-            values->second.erase(name);
-    }
-    std::vector<CString> SubKeys(const CString& key) const {
-        std::vector<CString> keys;
-        for (const auto& entry : m_registry)
-            if (entry.first.substr(0, entry.first.rfind(L'\\')) == Lower(key)) keys.push_back(entry.first);
-        return keys;
-    }
-    void CleanRegistry(const Rule& rule) {
-        if (rule.delKey && SubKeys(rule.path).empty()) m_registry.erase(Lower(rule.path));
-        if (rule.delKey) return;
-        if (!rule.iteration) return DeleteValues(rule, rule.path);
-        for (const CString& key : SubKeys(rule.path))
-            DeleteValues(rule, key + (rule.filter.empty() ? L"" : L"\\") + rule.filter);
-    }
-
-    // The notifications of items, and the totals of every level.
-    void Expect(Level& level, bool clean, Lines& lines, const std::string& category = {}) {
-        const auto line = [&](const wchar_t* kind, const Rule::Found& item) {
-            return kind + item.path.substr(m_folder.path().size() + 1) + L" " + std::to_wstring(item.size) + L" "
-                   + Utf8ToWide(category);
-        };
-        if (!clean) level.size = level.count = 0;
-        if (!level.isSelected) return;
-        Rule& rule = level.rule;
-        if (!level.below.empty()) {
-            level.size = level.count = 0;
-            for (Level& child : level.below) {
-                Expect(child, clean, lines, level.name);
-                level.size += child.size;
-                level.count += child.count;
-            }
-        } else if (!clean) {
-            Gather(rule);
-            for (const Rule::Found& item : rule.found) {
-                lines.push_back(line(L"found ", item));
-                level.size += item.size;
-                ++level.count;
-            }
-        } else {
-            if (rule.isRegistry) CleanRegistry(rule);
-            std::erase_if(rule.found, [&](const Rule::Found& item) {
-                if (!m_hostFolder.empty() && Lower(item.path).find(m_hostFolder) != CString::npos) return false;
-                const bool deleted = Delete(item.file);
-                lines.push_back(line(L"emptied ", item) + (deleted ? L" 1" : L" 0"));
-                if (deleted) level.size -= item.size, --level.count;
-                return true;
-            });
-        }
-    }
-
     // ---- the comparison
 
     template <class Node>
@@ -488,9 +260,8 @@ private:
         for (const Node::Entry& entry : node.entries)
             CompareFiles(*entry.node);
     }
-    using Registry = std::map<CString, std::set<CString>>;
-    static Registry ReadRegistry(const CString& path) {
-        Registry all;
+    static Model::Registry ReadRegistry(const CString& path) {
+        Model::Registry all;
         HKEY key = nullptr;
         if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key)) return all;
         auto& values = all[Lower(path)];
@@ -504,7 +275,6 @@ private:
     }
 
     std::mt19937 m_random;
-    const bool m_upgrade;
     const TempFolder m_folder;
     const std::shared_ptr<Node> m_base = std::make_shared<Node>(Node{m_folder / L"base"});
     // Reached through a link only.
@@ -514,9 +284,7 @@ private:
     bool m_linked = true;                      // one link at most, and none in what it leads to
     std::vector<HANDLE> m_held;
     std::string m_listing;
-    Registry m_registry;
-    std::vector<CString> m_allowed;
-    CString m_hostFolder;
+    Model m_model;
     Level m_root{""};
 };
 

@@ -4,7 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/iatpatch.h"
+
 namespace {
+
+int WINAPI RefuseMapping(LPCWSTR, DWORD, LPCWSTR, int, LPWSTR, int, LPNLSVERSIONINFO, LPVOID, LPARAM) {
+    return 0;
+}
 
 // Uninstall entries: of the machine, of the user.
 constexpr wchar_t kPath[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\UnInstall\\dswKey";
@@ -96,4 +102,7 @@ TEST_F(AppInfoManager, KnowsTheHostFolderAnywhereInAPath) {
         EXPECT_TRUE(protects(path)) << path.size();
     for (const std::wstring& path : {cut, cut + L"_\\a.tmp", std::wstring(30'000, L'x'), std::wstring()})
         EXPECT_FALSE(protects(path)) << path.size();
+    const IatPatch patch("LCMapStringEx", RefuseMapping);
+    for (const size_t length : {500U, 30'000U})
+        EXPECT_TRUE(protects(std::wstring(length, L'ä'))) << "may be one of the host's files";
 }
