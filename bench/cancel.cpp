@@ -48,11 +48,11 @@ std::vector<Figure> BenchCancel(Bench& bench) {
             for (IDregsweep* engine : {everything.get(), pattern.get()})
                 stop([engine](StoppingHost& host) { return engine->Gather(&host); }, at, gather);
         }
-        // Few, since what is deleted is gone from the rounds to come.
-        (void)everything->Gather(nullptr);
-        for (const uint64_t at : {uint64_t{1}, uint64_t{20}})
-            stop([&](StoppingHost& host) { return everything->Clean(&host); }, at, clean);
     }
+    (void)everything->Gather(nullptr);
+    // Each goes on where the one before it has stopped.
+    for (const uint64_t more : {uint64_t{1}, files / 4, files / 4, files / 4, files / 10})
+        stop([&](StoppingHost& host) { return everything->Clean(&host); }, more, clean);
     const auto figure = [&](const char* run, std::vector<double> times) {
         return Figure{.work = std::string("from the host's false to the return of a ") + run + ", " + Thousands(files)
                               + " entries",

@@ -41,9 +41,7 @@ private:
     bool IsBlank() const noexcept { return m_blank[static_cast<unsigned char>(m_rest.front())]; }
     bool IsNameStart(size_t at) const noexcept;
     bool StartsWithAnyCase(std::string_view lower) const noexcept { return HasPrefix(m_rest, lower); }
-    static bool IsPlain(char c) noexcept {
-        return (c & 0x80) == 0 && c != '<' && c != '&' && c != '"' && c != '\'';
-    }
+    static bool IsPlain(char c) noexcept { return (c & 0x80) == 0 && c != '<' && c != '&' && c != '"' && c != '\''; }
     static bool HasPrefix(std::string_view text, std::string_view lower) noexcept;
 
     bool AtEnd() const noexcept { return m_rest.empty(); }
