@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "host/checkpack.h"
-#include "host/checkreport.h"
+#include "host/check/checkpack.h"
+#include "host/check/checkreport.h"
 #include "sysservices/text.h"
 
 namespace {

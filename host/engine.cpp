@@ -2,7 +2,7 @@
 
 #include <tinyxml.h>
 
-#include "host/checkfile.h"
+#include "host/check/checkfile.h"
 #include "host/hosterror.h"
 #include "sysservices/xmldocument.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/checkfinding.h"
+#include "host/check/checkfinding.h"
 #include "host/console.h"
 
 // "file:line: severity: message [code]", without the line when it is 0.

@@ -1,4 +1,4 @@
-#include "host/checkrule.h"
+#include "host/check/checkrule.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "host/checktoken.h"
+#include "host/check/checktoken.h"
 
 #include <cwctype>
 

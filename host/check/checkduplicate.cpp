@@ -1,4 +1,4 @@
-#include "host/checkduplicate.h"
+#include "host/check/checkduplicate.h"
 
 #include <algorithm>
 #include <set>

@@ -1,4 +1,4 @@
-#include "host/checkfile.h"
+#include "host/check/checkfile.h"
 
 #include <filesystem>
 

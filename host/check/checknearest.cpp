@@ -1,4 +1,4 @@
-#include "host/checknearest.h"
+#include "host/check/checknearest.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include <tinyxml.h>
 
-#include "host/checkfinding.h"
+#include "host/check/checkfinding.h"
 
 // Elements, attributes and their types: that each is known, where it may stand, and holds what it should. Stricter than
 // the engine, which passes over what it does not know; docs/rule-file.xsd says the same.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/checkfinding.h"
+#include "host/check/checkfinding.h"
 
 // Checks rule files and, unless its path is empty, the text file that they share. Nothing but these files is read. The
 // findings come file by file in the order of the arguments, the text file last, and by line within each.

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/checkfinding.h"
-#include "host/checkfolder.h"
+#include "host/check/checkfinding.h"
+#include "host/check/checkfolder.h"
 
 // One rule ("GarbageInfo") as the engine reads it, but for what depends on the machine.
 struct CheckedRule {

@@ -1,4 +1,4 @@
-#include "host/checkchildren.h"
+#include "host/check/checkchildren.h"
 
 #include "sysservices/xmlattribute.h"
 

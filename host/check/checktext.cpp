@@ -1,9 +1,9 @@
-#include "host/checktext.h"
+#include "host/check/checktext.h"
 
 #include <cstring>
 
-#include "host/checknearest.h"
-#include "host/checkschema.h"
+#include "host/check/checknearest.h"
+#include "host/check/checkschema.h"
 #include "sysservices/text.h"
 
 namespace {

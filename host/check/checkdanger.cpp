@@ -1,4 +1,4 @@
-#include "host/checkdanger.h"
+#include "host/check/checkdanger.h"
 
 #include <algorithm>
 

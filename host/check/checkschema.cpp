@@ -1,11 +1,11 @@
-#include "host/checkschema.h"
+#include "host/check/checkschema.h"
 
 #include <algorithm>
 #include <cstring>
 #include <span>
 
-#include "host/checknearest.h"
-#include "host/checkvalue.h"
+#include "host/check/checknearest.h"
+#include "host/check/checkvalue.h"
 #include "sysservices/text.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "host/checkvalue.h"
+#include "host/check/checkvalue.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cleaners/emptyprocname.h"
-#include "host/checknearest.h"
+#include "host/check/checknearest.h"
 #include "rules/rootkeyname.h"
 #include "sysservices/text.h"
 

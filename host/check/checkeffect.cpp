@@ -1,4 +1,4 @@
-#include "host/checkeffect.h"
+#include "host/check/checkeffect.h"
 
 #include <windows.h>
 #include <shlobj.h>

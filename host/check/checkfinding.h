@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/checkcode.h"
+#include "host/check/checkcode.h"
 
 // Something that a check has to say about one place of a file.
 struct CheckFinding {

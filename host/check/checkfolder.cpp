@@ -1,4 +1,4 @@
-#include "host/checkfolder.h"
+#include "host/check/checkfolder.h"
 
 #include <windows.h>
 #include <shlobj.h>

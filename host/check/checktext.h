@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "host/checkfinding.h"
+#include "host/check/checkfinding.h"
 
 // The entries of a text file, and which of them the rule files ask for. Borrows the document.
 class CCheckedTexts {

@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-#include "host/checkrule.h"
+#include "host/check/checkrule.h"
 
 // Rules of one file that do the same: what the second finds counts twice, and its deletion is reported as failed.
 class CDuplicateCheck {

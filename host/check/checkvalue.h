@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "host/checkcode.h"
+#include "host/check/checkcode.h"
 
 // What an attribute may hold.
 enum class CheckType { Text, Integer, Flag, SelState, CatagoryType, FolderIndex, RootKey, EmptyProc, Key, ProductName };

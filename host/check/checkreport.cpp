@@ -1,4 +1,4 @@
-#include "host/checkreport.h"
+#include "host/check/checkreport.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

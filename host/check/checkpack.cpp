@@ -1,18 +1,18 @@
-#include "host/checkpack.h"
+#include "host/check/checkpack.h"
 
 #include <algorithm>
 #include <cstring>
 #include <optional>
 
-#include "host/checkchildren.h"
-#include "host/checkdanger.h"
-#include "host/checkduplicate.h"
-#include "host/checkeffect.h"
-#include "host/checkfile.h"
-#include "host/checklocation.h"
-#include "host/checkschema.h"
-#include "host/checktext.h"
-#include "host/checktoken.h"
+#include "host/check/checkchildren.h"
+#include "host/check/checkdanger.h"
+#include "host/check/checkduplicate.h"
+#include "host/check/checkeffect.h"
+#include "host/check/checkfile.h"
+#include "host/check/checklocation.h"
+#include "host/check/checkschema.h"
+#include "host/check/checktext.h"
+#include "host/check/checktoken.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "host/checklocation.h"
+#include "host/check/checklocation.h"
 
-#include "host/checknearest.h"
+#include "host/check/checknearest.h"
 
 namespace {
 
