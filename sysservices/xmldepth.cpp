@@ -179,7 +179,7 @@ void CXmlScanner::SkipName() noexcept {
 
 void CXmlScanner::SkipText() noexcept {
     for (SkipPlain(); !AtEnd() && !Is('<'); SkipPlain()) {
-        if (IsBlank())
+        if (IsBlank())  // beyond ASCII: in some of a host's locales
             Advance(1);
         else
             SkipCharacter();
