@@ -1,9 +1,12 @@
 // How long a run goes on after the host's false.
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "bench/rows.h"
+#include "host/hosterror.h"
 
 namespace {
 
@@ -40,7 +43,7 @@ std::vector<Figure> BenchCancel(Bench& bench) {
     std::vector<double> clean;
     const auto stop = [](auto run, uint64_t at, std::vector<double>& times) {
         StoppingHost host(at);
-        if (run(host)) throw std::runtime_error("the run was not stopped");
+        if (run(host)) throw CHostError(L"the run was not stopped");
         times.push_back((Now() - host.stoppedAt) * 1000);
     };
     for (int round = 0; round < bench.Rounds(); ++round) {

@@ -97,7 +97,7 @@ std::vector<Figure> BenchDownload(Bench& bench) {
         RequireSame(bytes, FileSize(path), "bytes");
         return seconds;
     };
-    const Rounds rounds = Alternate(bench.Rounds() * 3, floor, download);
+    const Rounds rounds = Alternate(bench.RoundsOfShort(), floor, download);
     update->Uninit();
     return {RatioFigure("download " + Thousands(bytes) + " bytes from the loopback server", rounds, 1.05)};
 }

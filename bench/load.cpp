@@ -53,7 +53,8 @@ std::string MixedRule(size_t n) {
                      R"(<LoopPath TerminalPath="Cache|Code Cache|GPUCache" ExactMatch="1"/></GarbageInfo>)";
         case 4:
             return R"(<GarbageInfo FolderEnvDir="USERPROFILE" ExcludePath="1" )" + common
-                   + R"(><ExcludePath Path="\Cached Files\Keep" ExactMatch="1" Iteration="1"/><ExcludePath Path="_mei"/></GarbageInfo>)";
+                   + R"(><ExcludePath Path="\Cached Files\Keep" ExactMatch="1" Iteration="1"/>)"
+                     R"(<ExcludePath Path="_mei"/></GarbageInfo>)";
         case 5:
             return R"(<GarbageInfo FolderEnvDir="APPDATA" )" + common + "/>";
         case 6:
@@ -148,7 +149,7 @@ std::vector<Figure> BenchLoad(Bench& bench) {
         return seconds;
     };
     return {RatioFigure("load a rule file of " + Thousands(count) + " rules, " + Thousands(rules.size()) + " bytes",
-                        Alternate(bench.Rounds() * 3, floor, load), 1.15)};
+                        Alternate(bench.RoundsOfShort(), floor, load), 1.15)};
 }
 
 std::vector<Figure> BenchLocalise(Bench& bench) {
@@ -185,7 +186,7 @@ std::vector<Figure> BenchLocalise(Bench& bench) {
         });
     };
     const auto localise = [&] { return Seconds([&] { (void)engine->ChangeResID(path.c_str(), nullptr); }); };
-    const Rounds rounds = Alternate(bench.Rounds() * 3, floor, localise);
+    const Rounds rounds = Alternate(bench.RoundsOfShort(), floor, localise);
     const CReference<IAppCatagory> first(engine->GetFirstCategory());
     if (first->GetInfo()->NameText != std::wstring(L"The name of the node 1 in another language"))
         throw CHostError(L"the nodes were not localised");

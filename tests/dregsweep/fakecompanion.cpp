@@ -19,7 +19,9 @@ struct CFakeCompanion : ICompanionObject {
     CFakeCompanion() { ++g_record.alive; }
     ~CFakeCompanion() override { --g_record.alive; }
     uint64_t Start() override { return g_record.starts++ == 0 ? kStartCode : throw 0; }
-    void BeginRun() override { g_record.runs++ == 0 ? throw 1 : 0; }
+    void BeginRun() override {
+        if (g_record.runs++ == 0) throw 1;
+    }
 };
 
 }  // namespace

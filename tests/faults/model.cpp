@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <utility>
 
 CString Lower(CString text) {
     CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
@@ -113,7 +114,7 @@ void Model::Gather(Rule& rule) const {
     } else {
         CString name = rule.path;
         const bool hasWildcard = name.ends_with(L"b?.tmp");
-        if (hasWildcard) name[name.size() - 5] = L'1';  // the one that there may be
+        if (hasWildcard) name[name.size() - 5] = L'1';  // of a case's names only this one fits
         Node* node = base->Find(name);
         if (node) rule.found.push_back({path, node->size, hasWildcard || node->isFolder ? nullptr : node});
     }

@@ -1,5 +1,10 @@
 #pragma once
 
+// What a host is told, what goes and what stays, by a model that knows no more than the documents tell. With the engine
+// it shares helpers for text only.
+
+#include <cstdint>
+#include <cwchar>
 #include <map>
 #include <memory>
 #include <set>
@@ -8,9 +13,6 @@
 
 #include "sysservices/text.h"
 #include "tests/support/recordinghost.h"
-
-// What a host is told, what goes and what stays, by a model that knows no more than the documents tell and shares
-// no rule of the game with the engine.
 
 CString Lower(CString text);
 
@@ -50,13 +52,13 @@ struct Rule {
             return _wcsicmp(a.c_str(), b.c_str()) < 0;  // of the C locale, which folds ASCII only
         }
     };
-    std::string attributes, children;
+    std::string attributes, children;  // in XML, for the engine
     bool isRegistry = false, isFolder = false, iteration = false, selfExclude = false, exact = false, delKey = false;
     CString path, filter = L"*";
     std::set<CString, Containment> excludeFilters;
     std::vector<Exclude> excludes;
     std::vector<Step> steps;
-    std::vector<CString> names;  // terminal paths, or values
+    std::vector<CString> names;  // terminal paths, or values; in lower case
     bool isLoop = false;
     std::vector<Found> found;
 };
@@ -73,17 +75,17 @@ struct Level {
 };
 
 struct Model {
-    // Gathers or cleans, and returns the notifications of items; the totals stand in the levels, what is left of files
-    // and values below.
+    // Gathers or cleans, and returns the notifications of items. The totals stand in the levels then, what is left in
+    // `base` and `registry`.
     Lines Run(Level& root, bool clean);
 
-    using Registry =
-        std::map<CString, std::set<CString>>;  // the names of values by the path of their key, in lower case
+    // The names of values by the path of their key, in lower case.
+    using Registry = std::map<CString, std::set<CString>>;
     bool upgrade = false;
     CString folder;              // what the paths in notifications are relative to
     std::shared_ptr<Node> base;  // where rules begin
     std::vector<CString> allowed;
-    CString hostFolder;
+    CString hostFolder;  // in lower case
     Registry registry;
 
 private:

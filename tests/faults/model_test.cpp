@@ -5,12 +5,19 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cwctype>
 #include <random>
+#include <set>
 
 #include "sysservices/privilegecontext.h"
 #include "tests/dregsweep/engine.h"
 #include "tests/support/folderlink.h"
 #include "tests/support/iatpatch.h"
+#include "tests/support/tempfolder.h"
 
 namespace {
 

@@ -56,4 +56,4 @@ inline constexpr std::string_view kRuntime =
     "CryptAcquireContextA CryptGenRandom CryptReleaseContext ";
 
 // Their answers are kept for the life of a process.
-inline constexpr const char* kKept[] = {"GetProcAddress", "GetVersionExW"};
+inline constexpr const char* kCachedAnswers[] = {"GetProcAddress", "GetVersionExW"};

@@ -4,6 +4,15 @@
 #include <windows.h>
 #include <shellapi.h>
 #include <tinyxml.h>
+#include <wininet.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <new>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "dregsweep/companionservice.h"
 #include "sysservices/nothrow.h"
@@ -11,6 +20,8 @@
 #include "tests/dregsweep/builtfiles.h"
 #include "tests/dregsweep/engine.h"
 #include "tests/faults/refusals.h"
+#include "tests/support/allocguard.h"
+#include "tests/support/iatpatch.h"
 #include "tests/update/updatefixture.h"
 
 namespace {
@@ -92,7 +103,7 @@ public:
         m_rules = m_folder.Write(L"rules.xml", xml);
         SetValue(HKEY_LOCAL_MACHINE, kUninstall, L"DisplayName", L"dsw sweep");
         SetValue(HKEY_LOCAL_MACHINE, kUninstall, L"DisplayIcon", L"C:\\windows\\notepad.exe,0");
-        for (const wchar_t* kept : kKept)
+        for (const wchar_t* kept : kKeptFiles)
             m_folder.Write(kept);
     }
     ~EngineJob() override {
@@ -139,7 +150,7 @@ public:
                         for (const auto& rule : ChildrenOf(*garbage))
                             rule->EnumFound(nullptr), rule->GetNextChild(nullptr);
         }).join();
-        for (const wchar_t* kept : kKept)
+        for (const wchar_t* kept : kKeptFiles)
             EXPECT_TRUE(m_folder.Has(kept)) << kept;
         EXPECT_TRUE(HasValue(L"S", L"kept"));
         const Tally& t = m_tally;
@@ -171,9 +182,9 @@ protected:
         return !RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value, RRF_RT_ANY, nullptr, nullptr, nullptr);
     }
     static constexpr const wchar_t* kUninstall = L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\DswSweep";
-    static constexpr const wchar_t* kKept[] = {L"a\\keep\\k.tmp", L"a\\1.doc",    L"b\\keep\\k.log",
-                                               L"c\\k.dat",       L"d\\p\\k.dat", L"e.dat",
-                                               L"f\\sub\\k.dat",  L"h\\k.dat",    L"a\\x.tmp.keep.tmp"};
+    static constexpr const wchar_t* kKeptFiles[] = {L"a\\keep\\k.tmp", L"a\\1.doc",    L"b\\keep\\k.log",
+                                                    L"c\\k.dat",       L"d\\p\\k.dat", L"e.dat",
+                                                    L"f\\sub\\k.dat",  L"h\\k.dat",    L"a\\x.tmp.keep.tmp"};
     const std::wstring m_key = L"Software\\DswSweep" + std::to_wstring(GetCurrentProcessId());
     const TempFolder m_folder;
     const std::wstring m_texts = m_folder.Write(L"texts.xml", "<R><Dregsweep><Key>N</Key></Dregsweep></R>");
@@ -356,7 +367,7 @@ protected:
 
 TEST_F(Sweep, TheTableNamesEveryImport) {
     std::string names = std::string(kCannotFail) + std::string(kElsewhere) + std::string(kRuntime);
-    for (const char* function : kKept)
+    for (const char* function : kCachedAnswers)
         names += std::string(" ") + function + " ";
     for (const Refusal& refusal : kRefusals)
         names += refusal.functions;
@@ -386,13 +397,13 @@ TEST_F(Sweep, EveryCallRefusedOnce) {
     std::printf("%d refusals\n", faults);
 }
 
-class SweepKept : public Sweep, public testing::WithParamInterface<const char*> {};
+class SweepCached : public Sweep, public testing::WithParamInterface<const char*> {};
 
-TEST_P(SweepKept, EveryCallRefusedOnce) {
+TEST_P(SweepCached, EveryCallRefusedOnce) {
     EngineJob files(kFileRules, kFiles, true);
     RefuseEach(GetParam(), {}, {&files});
 }
-INSTANTIATE_TEST_SUITE_P(Kept, SweepKept, testing::ValuesIn(kKept));
+INSTANTIATE_TEST_SUITE_P(Cached, SweepCached, testing::ValuesIn(kCachedAnswers));
 
 TEST_F(Sweep, EveryAllocationRefused) {
     g_memoryEnds = true;
