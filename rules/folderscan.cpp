@@ -1,6 +1,5 @@
 #include "rules/folderscan.h"
 
-#include "rules/garbageinfo.h"
 #include "sysservices/fileaccess.h"
 
 namespace {
@@ -16,16 +15,17 @@ bool IsDotName(const wchar_t* name) noexcept {
 
 }  // namespace
 
-CFolderScan::CFolderScan(CGarbageInfo& rule)
-    : m_rule(rule),
-      m_generation(rule.Generation()),
-      m_everything(rule.Filter == L"*") {}
+CFolderScan::CFolderScan(const FolderScanTarget& target, IFolderScanClient& client)
+    : m_target(target),
+      m_client(client),
+      m_everything(target.pattern == L"*"),
+      m_path(CString()) {}
 
-bool CFolderScan::ScanFolder(const CString& folder, bool withFiles) {
+bool CFolderScan::ScanFolder(const CFoundPath& folder, bool withFiles) {
     m_path = folder;
     if (!Enter(withFiles)) return false;
     while (!m_open.empty()) {
-        m_path.resize(m_open.back().pathLength);
+        m_path.Return(m_open.back().place);
         const bool goOn = m_open.back().search ? VisitEntry() : Leave();
         if (!goOn) return false;
     }
@@ -34,10 +34,10 @@ bool CFolderScan::ScanFolder(const CString& folder, bool withFiles) {
 
 bool CFolderScan::Enter(bool withFiles) {
     // A folder that is not allowed is skipped and counts as scanned, on purpose.
-    if (!m_rule.QueryPathAllowed(m_path, withFiles)) return true;
-    if (!m_everything && !m_rule.Iteration) return !withFiles || CollectFiles();
+    if (!m_client.IsAllowed(m_path.Text(), withFiles)) return true;
+    if (!m_everything && !m_target.recurse) return !withFiles || CollectFiles();
     CFileSearch search = OpenSearch();
-    m_open.push_back({std::move(search), m_path.size(), withFiles});
+    m_open.push_back({std::move(search), m_path.Here(), withFiles});
     return true;
 }
 
@@ -51,7 +51,7 @@ bool CFolderScan::VisitEntry() {
     }
     if (!(entry.dwFileAttributes & kFolderOrDevice)) {
         const bool goOn = !m_everything || !folder.withFiles || CollectFile(entry);
-        folder.search.Next();
+        if (goOn) folder.search.Next();
         return goOn;
     }
     const Descent descent = ChooseDescent(entry);
@@ -66,47 +66,47 @@ bool CFolderScan::Leave() {
     return m_everything || !withFiles || CollectFiles();
 }
 
-CFileSearch CFolderScan::SearchFolder() {
-    const size_t folderLength = m_path.size();
-    AppendName(L"*");
-    CFileSearch search(m_path.c_str());
-    m_path.resize(folderLength);
+CFileSearch CFolderScan::Search(std::wstring_view pattern) {
+    const CFoundPath::Place folder = m_path.Here();
+    m_path.AppendWritten(pattern);
+    CFileSearch search(m_path.Exact().c_str());
+    m_path.Return(folder);
     return search;
 }
 
 // Tried twice at most, the second time when the folder may be unlocked.
 CFileSearch CFolderScan::OpenSearch() {
-    CFileSearch search = SearchFolder();
-    if (search || !m_rule.QueryUpgradeMode()) return search;
-    UnlockPath(m_path);
-    return SearchFolder();
+    CFileSearch search = Search(L"*");
+    if (search || !m_client.MayUnlock()) return search;
+    UnlockPath(m_path.Exact());
+    return Search(L"*");
 }
 
 CFolderScan::Descent CFolderScan::ChooseDescent(const WIN32_FIND_DATAW& entry) {
     if (entry.dwFileAttributes & kDevice) return Descent::Skip;
-    if (IsDotName(entry.cFileName) || !m_rule.Iteration) return Descent::Skip;
-    AppendName(entry.cFileName);
-    bool onlyOwnFiles = false;
-    if (!m_rule.IsExcludedPath(m_path, entry.cFileName, onlyOwnFiles)) return Descent::WithFiles;
-    return onlyOwnFiles ? Descent::WithoutFiles : Descent::Skip;
+    if (IsDotName(entry.cFileName) || !m_target.recurse) return Descent::Skip;
+    m_path.AppendReturned(entry.cFileName);
+    if (m_target.excludedPaths.empty()) return Descent::WithFiles;
+    const ExcludePathEntry* exclusion =
+        FindExcludePath(m_target.excludedPaths, m_path.Text(), ToLower(entry.cFileName));
+    if (!exclusion) return Descent::WithFiles;
+    return exclusion->iteration ? Descent::WithoutFiles : Descent::Skip;
 }
 
 // A folder that cannot be listed here is not tried again, on purpose.
 bool CFolderScan::CollectFiles() {
-    const size_t folderLength = m_path.size();
-    AppendName(m_rule.Filter.c_str());
-    CFileSearch search(m_path.c_str());
-    for (; search; search.Next()) {
-        m_path.resize(folderLength);
+    const CFoundPath::Place folder = m_path.Here();
+    for (CFileSearch search = Search(m_target.pattern); search; search.Next()) {
         if (search.Entry().dwFileAttributes & kFolderOrDevice) continue;
         if (!CollectFile(search.Entry())) return false;
+        m_path.Return(folder);
     }
-    m_path.resize(folderLength);
     return true;
 }
 
 bool CFolderScan::CollectFile(const WIN32_FIND_DATAW& entry) {
-    if (m_rule.IsExcludedName(entry.cFileName)) return true;
-    AppendName(entry.cFileName);
-    return m_rule.RecordFound(m_path, EntrySize(entry), m_generation);
+    if (!m_target.excludedNames.empty() && m_target.excludedNames.contains(std::wstring_view(entry.cFileName)))
+        return true;
+    m_path.AppendReturned(entry.cFileName);
+    return m_client.Found(m_path, EntrySize(entry));
 }

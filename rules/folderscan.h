@@ -1,29 +1,53 @@
 #pragma once
 
+#include <cstdint>
+#include <list>
+#include <string_view>
 #include <vector>
 
+#include "rules/containment.h"
+#include "rules/excludepath.h"
 #include "sysservices/filesearch.h"
-#include "sysservices/text.h"
+#include "sysservices/foundpath.h"
 
-class CGarbageInfo;
+// What the scan of a folder looks for. Borrows from its rule.
+struct FolderScanTarget {
+    const CString& pattern;
+    bool recurse;  // also below the folder
+    const ContainmentSet& excludedNames;
+    const std::list<ExcludePathEntry>& excludedPaths;
+};
 
-// The scan of a folder for one rule: walks the folder, and what is below it when the rule iterates, leaves out what the
-// rule excludes, and has the rule record every file that its filter matches. Only directory entries are read, never a
-// file.
+// What a folder scan asks the rule that it works for.
+class IFolderScanClient {
+public:
+    // May the folder be scanned? One that may not counts as scanned.
+    virtual bool IsAllowed(const CString& folder, bool withFiles) = 0;
+    // May a folder that cannot be listed be unlocked and tried again?
+    virtual bool MayUnlock() = 0;
+    // A file that matches. False ends the scan.
+    virtual bool Found(const CFoundPath& file, uint64_t size) = 0;
+
+protected:
+    ~IFolderScanClient() = default;
+};
+
+// Walks a folder, and what is below it if the target says so, leaves out what is excluded, and reports every file that
+// the pattern matches. Only directory entries are read, never a file.
 //
-// Folders may nest as deep as paths allow: one path buffer serves all levels, and the open searches live on the heap.
+// Folders may nest as deep as paths allow: one path serves all levels, and the open searches live on the heap.
 class CFolderScan {
 public:
-    explicit CFolderScan(CGarbageInfo& rule);
+    CFolderScan(const FolderScanTarget& target, IFolderScanClient& client);
 
-    // Scans one folder; `withFiles` false leaves out the folder's own files. False: the host asked to stop. A folder
-    // that cannot be listed, or that the host has not allowed, counts as scanned.
-    [[nodiscard]] bool ScanFolder(const CString& folder, bool withFiles);
+    // Scans one folder; `withFiles` false leaves out the folder's own files. False: the client ended it. A folder that
+    // cannot be listed counts as scanned.
+    [[nodiscard]] bool ScanFolder(const CFoundPath& folder, bool withFiles);
 
 private:
     struct OpenFolder {
         CFileSearch search;
-        size_t pathLength;
+        CFoundPath::Place place;
         bool withFiles;
     };
     enum class Descent { Skip, WithFiles, WithoutFiles };
@@ -33,16 +57,15 @@ private:
     [[nodiscard]] bool VisitEntry();
     [[nodiscard]] bool Leave();
     CFileSearch OpenSearch();
-    CFileSearch SearchFolder();
+    CFileSearch Search(std::wstring_view pattern);
     Descent ChooseDescent(const WIN32_FIND_DATAW& entry);
     [[nodiscard]] bool CollectFiles();
     [[nodiscard]] bool CollectFile(const WIN32_FIND_DATAW& entry);
-    void AppendName(const wchar_t* name) { m_path.append(1, L'\\').append(name); }
 
-    CGarbageInfo& m_rule;
-    const uint32_t m_generation;
+    const FolderScanTarget m_target;
+    IFolderScanClient& m_client;
     // One pass over everything, instead of one for the folders and one with the pattern.
     const bool m_everything;
-    CString m_path;
+    CFoundPath m_path;
     std::vector<OpenFolder> m_open;
 };

@@ -1,9 +1,7 @@
 #include "rules/founditems.h"
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
-#include <limits>
 #include <new>
 #include <numeric>
 #include <utility>
@@ -13,14 +11,18 @@ namespace {
 // Most rules find little: a rule's blocks grow with what it finds.
 constexpr size_t kFirstChunk = 512;
 constexpr size_t kLargestChunk = 65536;
+constexpr uint32_t kLongestText = 0x7FFFFFFF;
 
 }  // namespace
 
-CFoundItems::FoundItem::FoundItem(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept
+CFoundItems::FoundItem::FoundItem(std::wstring_view path, std::wstring_view literal, uint64_t bytes,
+                                  CItemIdList id) noexcept
     : size(bytes),
       itemId(std::move(id)),
-      m_length(static_cast<uint32_t>(path.size())) {
-    if (!path.empty()) std::memcpy(reinterpret_cast<wchar_t*>(this + 1), path.data(), path.size() * sizeof(wchar_t));
+      m_length(static_cast<uint32_t>(path.size())),
+      m_literalLength(static_cast<uint32_t>(literal.size()) & kLongestText) {
+    auto* const texts = reinterpret_cast<wchar_t*>(this + 1);
+    std::copy(literal.begin(), literal.end(), std::copy(path.begin(), path.end(), texts));
 }
 
 size_t CFoundItems::FoundItem::Room(size_t length) noexcept {
@@ -50,11 +52,13 @@ size_t CFoundItems::Count() const noexcept {
                                  [](const Chunk& chunk) { return chunk.count; });
 }
 
-void CFoundItems::Append(std::wstring_view path, uint64_t size, CItemIdList itemId) {
-    if (path.size() > std::numeric_limits<uint32_t>::max()) throw std::bad_alloc();
-    const size_t room = FoundItem::Room(path.size());
+void CFoundItems::Append(const CFoundPath& path, uint64_t size, CItemIdList itemId) {
+    const CString& text = path.Text();
+    const CString& literal = path.Literal();
+    if (std::max(text.size(), literal.size()) > kLongestText) throw std::bad_alloc();
+    const size_t room = FoundItem::Room(text.size() + literal.size());
     Chunk& chunk = ChunkWithRoom(room);
-    ::new (chunk.bytes.get() + chunk.used) FoundItem(path, size, std::move(itemId));
+    ::new (chunk.bytes.get() + chunk.used) FoundItem(text, literal, size, std::move(itemId));
     chunk.used += room;
     ++chunk.count;
 }

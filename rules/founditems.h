@@ -6,8 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "sysservices/foundpath.h"
 #include "sysservices/itemidlist.h"
-#include "sysservices/text.h"
 
 // The found items of one rule, in the order of discovery. There may be millions: beside its text an item costs some 24
 // bytes, and no allocation of its own. Items stay where they are until they are erased, also while others are appended.
@@ -18,16 +18,23 @@ public:
         CItemIdList itemId;  // the shell item's list in its folder; none for files
 
         // The full path of a file, or the display text of a shell item. Not terminated.
-        std::wstring_view Path() const noexcept { return {reinterpret_cast<const wchar_t*>(this + 1), m_length}; }
+        std::wstring_view Path() const noexcept { return {Texts(), m_length}; }
+        // The path that deletes the file: see CFoundPath. Not terminated.
+        std::wstring_view ExactPath() const noexcept {
+            return m_literalLength == 0 ? Path() : std::wstring_view(Texts() + m_length, m_literalLength);
+        }
 
     private:
         friend class CFoundItems;
-        FoundItem(std::wstring_view path, uint64_t bytes, CItemIdList id) noexcept;
+        FoundItem(std::wstring_view path, std::wstring_view literal, uint64_t bytes, CItemIdList id) noexcept;
         static size_t Room(size_t length) noexcept;
-        size_t Room() const noexcept { return Room(m_length); }
+        size_t Room() const noexcept { return Room(size_t{m_length} + m_literalLength); }
+        const wchar_t* Texts() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
 
-        uint32_t m_length;  // of the path, which follows the item in memory
-        bool m_erased = false;
+        // Of the path and its literal form, which follow the item in memory.
+        uint32_t m_length;
+        uint32_t m_literalLength : 31;
+        uint32_t m_erased : 1 = 0;
     };
 
 private:
@@ -70,7 +77,7 @@ public:
     size_t Count() const noexcept;
 
     // Throws std::bad_alloc and leaves the items as they are.
-    void Append(std::wstring_view path, uint64_t size, CItemIdList itemId);
+    void Append(const CFoundPath& path, uint64_t size, CItemIdList itemId);
     // Returns the place of the next item.
     Iterator Erase(Iterator item) noexcept;
     void Clear() noexcept;

@@ -11,7 +11,6 @@
 #include "sysservices/appinfomanager.h"
 #include "sysservices/fileaccess.h"
 #include "sysservices/filesearch.h"
-#include "sysservices/literalpath.h"
 #include "sysservices/nothrow.h"
 #include "sysservices/reference.h"
 #include "sysservices/trace.h"
@@ -196,87 +195,104 @@ bool CGarbageInfo::SaveXml(TiXmlElement* parentElement) {
     return true;
 }
 
+// One scan of the rule, as long as the list that it fills is there: it ends, without a word, when the host has the rule
+// scanned or cleaned from a notification. The run then goes on.
+class CGarbageInfo::CScan final : public IFolderScanClient {
+public:
+    explicit CScan(CGarbageInfo& rule) noexcept : m_rule(rule), m_generation(rule.m_generation) {}
+
+    bool IsAllowed(const CString& folder, bool withFiles) override {
+        return m_rule.QueryPathAllowed(folder, withFiles);
+    }
+    bool MayUnlock() override { return m_rule.QueryUpgradeMode(); }
+    bool Found(const CFoundPath& file, uint64_t size) override { return Found(file, size, CItemIdList()); }
+
+    // Lists and reports an item; false ends the scan.
+    bool Found(const CFoundPath& path, uint64_t size, CItemIdList itemId) {
+        {
+            const CLockGuard guard(m_rule.m_lock);
+            if (m_generation != m_rule.m_generation) return false;  // the shell may let messages in
+            m_rule.m_found.Append(path, size, std::move(itemId));
+        }
+        // An item without a text is listed, to be deleted, but not reported, on purpose.
+        if (path.Text().empty()) return true;
+        m_stopped = !m_rule.ReportFound(path.Text(), &size, m_rule.CategoryValue());
+        return !m_stopped && m_generation == m_rule.m_generation;
+    }
+
+    // Has the host answered false?
+    bool Stopped() const noexcept { return m_stopped; }
+
+private:
+    CGarbageInfo& m_rule;
+    const uint32_t m_generation;
+    bool m_stopped = false;
+};
+
 bool CGarbageInfo::Gather() {
     return NoThrow(true, [this] { return Scan(); });
 }
 
 bool CGarbageInfo::Scan() {
     // A registry rule acts only when it is cleaned.
-    if (IsRegistry || (Path.empty() && !m_shellItem)) return true;
+    if (m_released || IsRegistry || (Path.empty() && !m_shellItem)) return true;
     ClearFound();
     ZeroVolume();
-    if (m_shellItem) return UseShellBrowse ? ListShellItems() : ScanShellFolder();
-    return IsFolder ? ScanFolders() : ScanFile();
+    CScan scan(*this);
+    if (m_shellItem)
+        UseShellBrowse ? ListShellItems(scan) : ScanShellFolder(scan);
+    else
+        IsFolder ? ScanFolders(scan) : ScanFile(scan);
+    return !scan.Stopped();
 }
 
-bool CGarbageInfo::ScanFolders() {
-    CFolderScan scan(*this);
-    if (!LoopPath) return scan.ScanFolder(Path, !SelfExclude);
+void CGarbageInfo::ScanFolders(CScan& scan) {
+    CFolderScan folders({Filter, Iteration, ExcludeFilters, m_excludePaths}, scan);
+    if (!LoopPath) {
+        (void)folders.ScanFolder(CFoundPath(Path), !SelfExclude);
+        return;
+    }
     // Terminal paths without loop steps find nothing, and SelfExclude has no say over the folders of a loop, on
     // purpose.
-    if (m_loopSteps.empty()) return true;
-    for (const CString& folder : ExpandLoop(Path, m_loopSteps, {TerminalPaths, ExactMatch})) {
-        if (!scan.ScanFolder(folder, /*withFiles=*/true)) return false;
+    if (m_loopSteps.empty()) return;
+    for (const CFoundPath& folder : ExpandLoop(Path, m_loopSteps, {TerminalPaths, ExactMatch})) {
+        if (!folders.ScanFolder(folder, /*withFiles=*/true)) return;
     }
-    return true;
 }
 
 // One match only, listed under the rule's path with its wildcards, on purpose. Such an item cannot be deleted.
-bool CGarbageInfo::ScanFile() {
+void CGarbageInfo::ScanFile(CScan& scan) {
     const CFileSearch search(Path.c_str());
-    return !search || RecordFound(Path, EntrySize(search.Entry()), m_generation);
+    if (search) scan.Found(CFoundPath(Path), EntrySize(search.Entry()));
 }
 
-bool CGarbageInfo::ScanShellFolder() {
+void CGarbageInfo::ScanShellFolder(CScan& scan) {
     struct Walk {
-        CGarbageInfo& rule;
-        uint32_t generation;
+        CScan& scan;
         bool goOn = true;
     };
     constexpr auto onFile = [](uint32_t, const wchar_t* path, const WIN32_FIND_DATAW& findData, void* context) {
         auto& walk = *static_cast<Walk*>(context);
-        walk.goOn = walk.rule.RecordFound(path, EntrySize(findData), walk.generation);
+        walk.goOn = walk.scan.Found(CFoundPath(path), EntrySize(findData));
         return walk.goOn;
     };
     constexpr auto onFolder = [](const wchar_t*, const wchar_t*, const WIN32_FIND_DATAW*, void* context) {
         return static_cast<Walk*>(context)->goOn;
     };
-    Walk walk{*this, m_generation};
-    return m_shellItem->Walk(onFile, onFolder, &walk);
+    Walk walk{scan};
+    (void)m_shellItem->Walk(onFile, onFolder, &walk);
 }
 
-bool CGarbageInfo::ListShellItems() {
-    struct Listing {
-        CGarbageInfo& rule;
-        uint32_t generation;
-    };
+void CGarbageInfo::ListShellItems(CScan& scan) {
     constexpr auto onItem = [](const SHFILEINFOW& info, CItemIdList& child, void* context) {
-        const auto& listing = *static_cast<Listing*>(context);
-        return listing.rule.Record(info.szDisplayName, 0, std::move(child), listing.generation);
+        return static_cast<CScan*>(context)->Found(CFoundPath(info.szDisplayName), 0, std::move(child));
     };
-    Listing listing{*this, m_generation};
-    return m_shellItem->ListItems(onItem, &listing);
+    (void)m_shellItem->ListItems(onItem, &scan);
 }
 
-bool CGarbageInfo::RecordFound(const CString& path, uint64_t size, uint32_t generation) {
-    return Record(path, size, CItemIdList(), generation);
-}
-
-bool CGarbageInfo::Record(const CString& path, uint64_t size, CItemIdList itemId, uint32_t generation) {
-    {
-        const CLockGuard guard(m_lock);
-        if (generation != m_generation) return true;
-        m_found.Append(path, size, std::move(itemId));
-    }
-    // An item without a text is listed, to be deleted, but not reported, on purpose.
-    return path.empty() || ReportFound(path, &size, CategoryValue());
-}
-
-bool CGarbageInfo::IsExcludedPath(std::wstring_view folderPath, std::wstring_view name, bool& onlyOwnFiles) const {
-    if (m_excludePaths.empty()) return false;
-    const ExcludePathEntry* match = FindExcludePath(m_excludePaths, folderPath, ToLower(name));
-    onlyOwnFiles = match && match->iteration;
-    return match != nullptr;
+void CGarbageInfo::ReleaseContent() noexcept {
+    m_released = true;
+    ClearFound();
 }
 
 void CGarbageInfo::ClearFound() {
@@ -305,6 +321,7 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
 
 bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
     return NoThrow(true, [&] {
+        if (m_released) return true;
         // First of all and its answer not used, on purpose: what was found is deleted all the same.
         if (m_emptyProc) m_emptyProc->Run(a, b, c);
         if (IsRegistry) {
@@ -325,7 +342,7 @@ bool CGarbageInfo::CleanFound() {
     const CLockGuard guard(m_lock);
     uint32_t generation = m_generation;
     const auto apps = CAppInfoManager::GetInstance();
-    CString path;  // outlives a list that the host's notification empties
+    CString path, exactPath;  // outlive a list that the host's notification empties
     bool goOn = true;
     for (auto item = m_found.begin(); goOn && item != m_found.end();) {
         // The host's own files are never deleted: they stay listed and are not reported, on purpose. Without a manager
@@ -335,9 +352,10 @@ bool CGarbageInfo::CleanFound() {
             continue;
         }
         path = item->Path();
+        exactPath = item->ExactPath();
         const uint64_t size = item->size;
         const CItemIdList itemId = std::move(item->itemId);  // likewise: the shell may let messages in meanwhile
-        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(LiteralPath(path));
+        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(exactPath);
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
         // Removed after the report, whatever became of it and also when the host stops here, on purpose.

@@ -52,26 +52,17 @@ public:
     // CVolumeProc
     bool LoadXml(const TiXmlElement* element) override;
     bool SaveXml(TiXmlElement* parentElement) override;
-    // A rule has no children; it forgets what it found, so that a running clean has nothing more to delete.
-    void ReleaseContent() noexcept override { ClearFound(); }
+    // A rule has no children. It forgets what it found and does nothing more: a run that has come to it ends here.
+    void ReleaseContent() noexcept override;
 
     // CGatherProc. Running out of memory costs the rule what it has not yet done, not the run.
     bool Gather() override;
     bool Clean(uint64_t a, uint64_t b, uint64_t c) override;
     void ClearFound() override;
 
-    // For the folder scan.
-
-    bool IsExcludedName(std::wstring_view name) const { return ExcludeFilters.contains(name); }
-    // `onlyOwnFiles` is set when what is below the excluded folder is still to be scanned.
-    bool IsExcludedPath(std::wstring_view folderPath, std::wstring_view name, bool& onlyOwnFiles) const;
-    // Which list a scan fills; it changes with every item that leaves the list.
-    uint32_t Generation() const noexcept { return m_generation; }
-    // Lists a found file and reports it; false when the host asked to stop. A scan whose list is gone, since the host
-    // had the rule scanned anew from a notification, has nothing more to say.
-    bool RecordFound(const CString& path, uint64_t size, uint32_t generation);
-
 private:
+    class CScan;
+
     bool LoadFileRule(const TiXmlElement& element);
     void LoadRegistryRule(const TiXmlElement& element);
     void CreateEmptyProc(const CString& name);
@@ -84,11 +75,10 @@ private:
     void LoadExcludePaths(const TiXmlElement& element);
 
     bool Scan();
-    bool ScanFolders();
-    bool ScanFile();
-    bool ScanShellFolder();
-    bool ListShellItems();
-    bool Record(const CString& path, uint64_t size, CItemIdList itemId, uint32_t generation);
+    void ScanFolders(CScan& scan);
+    void ScanFile(CScan& scan);
+    void ScanShellFolder(CScan& scan);
+    void ListShellItems(CScan& scan);
     bool CleanFound();
     bool EmptyShellFolder();
     bool DeleteFoundFile(const CString& path);
@@ -103,6 +93,7 @@ private:
     // Counts up with every item that leaves the list: a walk that was interrupted by a notification, from which the
     // host scans or cleans, can tell that its place in the list may be gone.
     uint32_t m_generation = 0;
+    bool m_released = false;
 
     // The rest of what the rule file says. Two members serve both kinds of rule, on purpose.
     ContainmentSet ExcludeFilters;

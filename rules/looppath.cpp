@@ -12,11 +12,16 @@ bool IsLoopFolder(const WIN32_FIND_DATAW& entry) noexcept {
     return (entry.dwFileAttributes & kKinds) == FILE_ATTRIBUTE_DIRECTORY && entry.cFileName[0] != L'.';
 }
 
-void ExpandStep(const CString& folder, const LoopStep& step, std::vector<CString>& matches) {
-    for (CFileSearch search(JoinPath(folder, step.path).c_str()); search; search.Next()) {
+using Folders = std::vector<CFoundPath>;
+
+void ExpandStep(const CFoundPath& folder, const LoopStep& step, Folders& matches) {
+    CFoundPath pattern = folder;
+    pattern.AppendWritten(step.path);
+    for (CFileSearch search(pattern.Exact().c_str()); search; search.Next()) {
         if (!IsLoopFolder(search.Entry())) continue;
-        CString match = JoinPath(folder, search.Entry().cFileName);
-        if (!step.addPath.empty()) match = JoinPath(match, step.addPath);
+        CFoundPath match = folder;
+        match.AppendReturned(search.Entry().cFileName);
+        if (!step.addPath.empty()) match.AppendWritten(step.addPath);
         matches.push_back(std::move(match));
     }
 }
@@ -30,17 +35,17 @@ bool IsTerminal(const TerminalSearch& terminals, const wchar_t* name) {
 
 // Walks everything below `start`, depth first; a match is not descended into. The stack of open searches lives on the
 // heap: folders may nest as deep as paths allow.
-void FindTerminals(const CString& start, const TerminalSearch& terminals, std::vector<CString>& matches) {
+void FindTerminals(const CFoundPath& start, const TerminalSearch& terminals, Folders& matches) {
     struct OpenFolder {
         CFileSearch search;
-        size_t pathLength;
+        CFoundPath::Place place;
     };
-    CString path = start;
+    CFoundPath path = start;
     std::vector<OpenFolder> open;
     const auto enter = [&] {
-        const size_t length = path.size();
-        path += L"\\*";
-        open.push_back({CFileSearch(path.c_str()), length});
+        const CFoundPath::Place place = path.Here();
+        path.AppendWritten(L"*");
+        open.push_back({CFileSearch(path.Exact().c_str()), place});
     };
 
     enter();
@@ -50,9 +55,9 @@ void FindTerminals(const CString& start, const TerminalSearch& terminals, std::v
             open.pop_back();
             continue;
         }
-        path.resize(folder.pathLength);
+        path.Return(folder.place);
         const bool isFolder = IsLoopFolder(folder.search.Entry());
-        if (isFolder) path.append(1, L'\\').append(folder.search.Entry().cFileName);
+        if (isFolder) path.AppendReturned(folder.search.Entry().cFileName);
         const bool isTerminal = isFolder && IsTerminal(terminals, folder.search.Entry().cFileName);
         folder.search.Next();
         if (isTerminal) {
@@ -65,16 +70,16 @@ void FindTerminals(const CString& start, const TerminalSearch& terminals, std::v
 
 }  // namespace
 
-std::vector<CString> ExpandLoop(const CString& start, const std::list<LoopStep>& steps,
-                                const TerminalSearch& terminals) {
-    std::vector<CString> current;
-    std::vector<CString> previous;
+std::vector<CFoundPath> ExpandLoop(const CString& start, const std::list<LoopStep>& steps,
+                                   const TerminalSearch& terminals) {
+    Folders current;
+    Folders previous;
     for (const LoopStep& step : steps) {
         current.clear();
         if (previous.empty()) {
-            ExpandStep(start, step, current);
+            ExpandStep(CFoundPath(start), step, current);
         } else {
-            for (const CString& folder : previous)
+            for (const CFoundPath& folder : previous)
                 ExpandStep(folder, step, current);
         }
         if (current.empty()) break;
@@ -83,7 +88,7 @@ std::vector<CString> ExpandLoop(const CString& start, const std::list<LoopStep>&
     if (terminals.names.empty()) return current;
 
     current.clear();
-    for (const CString& folder : previous)
+    for (const CFoundPath& folder : previous)
         FindTerminals(folder, terminals, current);
     return current;
 }

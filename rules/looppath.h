@@ -1,10 +1,9 @@
 #pragma once
 
 #include <list>
-#include <string_view>
 #include <vector>
 
-#include "sysservices/text.h"
+#include "sysservices/foundpath.h"
 
 // One step of a rule that repeats over folders: a name pattern for the folders below, and an optional relative path
 // appended after each match.
@@ -24,5 +23,5 @@ struct TerminalSearch {
 //
 // A later step that matches nothing ends the loop, on purpose: without terminal names nothing is scanned then, with
 // them the search for those runs from the folders of the step before.
-std::vector<CString> ExpandLoop(const CString& start, const std::list<LoopStep>& steps,
-                                const TerminalSearch& terminals);
+std::vector<CFoundPath> ExpandLoop(const CString& start, const std::list<LoopStep>& steps,
+                                   const TerminalSearch& terminals);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sysservices/filesearch.h"
+#include "sysservices/foundpath.h"
 
 namespace {
 
@@ -61,7 +62,7 @@ public:
           m_recurse(recurse) {}
 
     bool Run() {
-        Enter(m_path.size());
+        Enter(m_path.Here());
         while (!m_levels.empty()) {
             if (!m_goOn || !m_levels.back().search)
                 Leave();
@@ -73,22 +74,22 @@ public:
 
 private:
     struct Level {
-        size_t outerLength;  // of m_path, in the folder above
+        CFoundPath::Place outer;  // of m_path, in the folder above
         CFileSearch search;
     };
 
     // Lists the folder that m_path names now.
-    void Enter(size_t outerLength) {
-        const size_t length = m_path.size();
-        m_path += L"\\*";
-        m_levels.push_back({outerLength, CFileSearch(m_path.c_str())});
-        m_path.resize(length);
+    void Enter(CFoundPath::Place outer) {
+        const CFoundPath::Place folder = m_path.Here();
+        m_path.AppendWritten(L"*");
+        m_levels.push_back({outer, CFileSearch(m_path.Exact().c_str())});
+        m_path.Return(folder);
     }
 
     void Leave() {
         // The folder-done notice, also for a folder that could not be listed; its answer is ignored on purpose.
-        m_onFolder(m_path.c_str(), L"", nullptr, m_context);
-        m_path.resize(m_levels.back().outerLength);
+        m_onFolder(m_path.Text().c_str(), L"", nullptr, m_context);
+        m_path.Return(m_levels.back().outer);
         m_levels.pop_back();
         if (m_goOn && !m_levels.empty()) m_levels.back().search.Next();
     }
@@ -98,18 +99,18 @@ private:
         const bool isFolder = IsFolder(entry);
         if (isFolder && (!m_recurse || !MayEnter(entry) || IsSelfOrParent(entry.cFileName))) return false;
 
-        const size_t length = m_path.size();
-        m_path.append(1, L'\\').append(entry.cFileName);
-        if (isFolder && m_onFolder(m_path.c_str(), entry.cFileName, &entry, m_context)) {
-            Enter(length);
+        const CFoundPath::Place folder = m_path.Here();
+        m_path.AppendReturned(entry.cFileName);
+        if (isFolder && m_onFolder(m_path.Text().c_str(), entry.cFileName, &entry, m_context)) {
+            Enter(folder);
             return true;
         }
-        if (!isFolder) m_goOn = m_onFile(0, m_path.c_str(), entry, m_context);
-        m_path.resize(length);
+        if (!isFolder) m_goOn = m_onFile(0, m_path.Text().c_str(), entry, m_context);
+        m_path.Return(folder);
         return false;
     }
 
-    CString m_path;  // of the innermost open folder
+    CFoundPath m_path;  // of the innermost open folder
     std::vector<Level> m_levels;
     CShellItemProc::FileCallback m_onFile;
     CShellItemProc::FolderCallback m_onFolder;

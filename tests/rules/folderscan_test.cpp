@@ -10,12 +10,14 @@ using testing::ElementsAreArray;
 
 decltype(&FindNextFileW) g_next;
 
-// What no folder at hand offers: device bits, a name that ends in a dot, 20 GB.
+size_t g_steps = 0;
+
+// What no folder at hand offers: device bits, 20 GB.
 BOOL WINAPI DoctoredNext(HANDLE search, WIN32_FIND_DATAW* entry) {
+    ++g_steps;
     if (!g_next(search, entry)) return FALSE;
     const CString name = entry->cFileName;
     if (name.starts_with(L"dev")) entry->dwFileAttributes |= FILE_ATTRIBUTE_DEVICE;
-    if (name == L"z") wcscpy(entry->cFileName, L"z.");
     if (name == L"c.txt") entry->nFileSizeHigh = 5;
     return TRUE;
 }
@@ -25,8 +27,11 @@ protected:
     FolderScanTest() {
         for (const wchar_t* name :
              {L"a.log", L"b.tmp", L"c.txt", L"dev.log", LR"(device\v.log)", LR"(.hid\h.log)", LR"(Kéep\k.log)",
-              LR"(Kéep\Deep\d.log)", LR"(Sub\s.log)", LR"(Sub\Temp\t.log)", LR"(Sub\Temp\Temp\n.log)", LR"(z\z.log)"})
+              LR"(Kéep\Deep\d.log)", LR"(Sub\s.log)", LR"(Sub\Temp\t.log)", LR"(Sub\Temp\Temp\n.log)"})
             m_folder.Write(name);
+        const CString dotted = L"\\\\?\\" + m_folder / L"z.";
+        CreateDirectoryW(dotted.c_str(), nullptr);
+        CopyFileW((m_folder / L"a.log").c_str(), (dotted + L"\\z.log").c_str(), TRUE);
         g_next = m_nextPatch.original<decltype(&FindNextFileW)>();
     }
 
@@ -95,6 +100,25 @@ TEST_F(FolderScanTest, StopsAtEveryFoundItem) {
             EXPECT_EQ(rule.found.size(), stopped ? stopAt : stopAt - 1) << attributes;
             EXPECT_EQ(Listed(rule).size(), rule.found.size()) << attributes;
             EXPECT_EQ(rule.GetTotalCount(), rule.found.size()) << attributes;
+        }
+    }
+}
+
+// The host may have the rule scanned anew, or cleaned, from a notification: the list that this scan fills is gone.
+TEST_F(FolderScanTest, EndsAtOnceWhenItsListIsGone) {
+    for (const bool cleans : {false, true}) {
+        for (const std::string& attributes : {m_files, m_pattern, m_loop}) {
+            RecordingRule rule;
+            ASSERT_TRUE(rule.Load(attributes + "Iteration='1'", "<LoopPath Path='*'/>"));
+            size_t nested = 0;
+            rule.onFound = [&] {
+                if (std::exchange(nested, rule.found.size()) != 0) return;
+                EXPECT_TRUE(cleans ? rule.Clean(0, 0, 0) : rule.Gather());
+                nested = rule.found.size();
+                g_steps = 0;
+            };
+            EXPECT_TRUE(rule.Gather());
+            EXPECT_TRUE(rule.found.size() == nested && g_steps == 0) << attributes;
         }
     }
 }

@@ -9,13 +9,23 @@ namespace {
 
 // Texts of every length around those of the blocks, and more than one block of each size.
 CString TextOf(size_t n) {
-    return std::to_wstring(n) + CString(n % 500 == 0 ? 40'000 : n % 300, L'x');
+    return std::to_wstring(n) + CString(n % 500 == 0 ? 30'000 : n % 300, L'y');
+}
+
+// Every third path has a literal form.
+CFoundPath PathOf(size_t n) {
+    CFoundPath path(L"C:\\." + CString(n % 3 == 0 ? L"\\." : L""));
+    path.AppendReturned(TextOf(n));
+    if (n % 3 == 0) path.AppendReturned(L"x.");
+    return path;
 }
 
 std::vector<size_t> Numbers(CFoundItems& items) {
     std::vector<size_t> numbers;
     for (const CFoundItems::FoundItem& item : items) {
-        EXPECT_EQ(item.Path(), TextOf(item.size)) << item.size;
+        const CString text = PathOf(item.size).Text(), literal = L"\\\\?\\C:\\" + TextOf(item.size) + L"\\x.";
+        EXPECT_EQ(item.Path(), text) << item.size;
+        EXPECT_EQ(item.ExactPath(), item.size % 3 == 0 ? literal : text) << item.size;
         numbers.push_back(item.size);
     }
     return numbers;
@@ -38,7 +48,7 @@ TEST(FoundItems, KeepOrderAndTextWhateverIsErasedBetween) {
     EXPECT_TRUE(Numbers(items).empty());
     std::vector<size_t> left;
     for (size_t n = 0; n < 2'000; ++n) {
-        items.Append(TextOf(n), n,
+        items.Append(PathOf(n), n,
                      n % 7 == 0 ? CItemIdList(static_cast<LPITEMIDLIST>(CoTaskMemAlloc(2))) : CItemIdList());
         left.push_back(n);
     }
@@ -48,7 +58,7 @@ TEST(FoundItems, KeepOrderAndTextWhateverIsErasedBetween) {
         EXPECT_EQ(Numbers(items), left) << divisor;
         EXPECT_EQ(items.Count(), left.size());
     }
-    items.Append(TextOf(5), 5, {});
+    items.Append(PathOf(5), 5, {});
     EXPECT_THAT(Numbers(items), testing::ElementsAre(5));
     items.Clear();
     EXPECT_EQ(items.begin(), items.end());

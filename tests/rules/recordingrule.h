@@ -24,6 +24,7 @@ public:
     bool ReportFound(const CString& item, const uint64_t* size, uint64_t extra) override {
         const bool goOn = CGarbageInfo::ReportFound(item, size, extra);
         found.push_back(item);
+        onFound();
         return goOn && found.size() < stopAt;
     }
     bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool deleted, uint32_t n) override {
@@ -34,7 +35,7 @@ public:
     }
 
     size_t stopAt = SIZE_MAX;  // the report that is answered false
-    std::function<void()> onEmptied = [] {};
+    std::function<void()> onFound = [] {}, onEmptied = [] {};
     std::vector<CString> found, emptied;  // "+name" deleted, "-name" not deleted
 };
 
