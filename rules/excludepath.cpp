@@ -7,12 +7,14 @@
 
 namespace {
 
-bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) {
-    const int order =
-        CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE);
+// The two ways to fold case do not agree about every letter: lower-cased, the Kelvin sign is a "k", which upper-cased
+// is no Kelvin sign. Either will do, so that the entry always matches the folder that it was copied from.
+bool EqualIgnoringCase(std::wstring_view text, std::wstring_view lower) {
+    const int order = CompareStringOrdinal(text.data(), static_cast<int>(text.size()), lower.data(),
+                                           static_cast<int>(lower.size()), TRUE);
     // Taken for different, a folder that is to be left out would be cleaned.
     if (order == 0) throw std::runtime_error("texts cannot be compared");
-    return order == CSTR_EQUAL;
+    return order == CSTR_EQUAL || ToLower(text) == lower;
 }
 
 bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::wstring_view lowerName) {
