@@ -203,12 +203,10 @@ void CXmlScanner::SkipCharacter() noexcept {
 }
 
 // The bytes of one UTF-8 character, which TinyXML does not check: it passes over a "<" or a quote, and over the end of
-// the text into whatever follows it in memory. It has turned each CR LF into one byte before.
+// the text into whatever follows it in memory.
 void CXmlScanner::SkipBytes(size_t count) noexcept {
-    for (; count > 0; --count) {
-        if (AtEnd()) return GiveUp();
-        Advance(m_rest.starts_with("\r\n") ? 2 : 1);
-    }
+    if (count > m_rest.size()) return GiveUp();
+    Advance(count);
 }
 
 void CXmlScanner::SkipBlanks() noexcept {

@@ -2,47 +2,56 @@
 
 #include <windows.h>
 
-#include <io.h>
-#include <share.h>
 #include <tinyxml.h>
 
 #include <climits>
-#include <cstdint>
-#include <cstdio>
-#include <memory>
+#include <string>
+#include <utility>
 
-#include "sysservices/text.h"
+#include "sysservices/handle.h"
+#include "sysservices/literalpath.h"
 #include "sysservices/xmldepth.h"
 
 namespace {
 
-struct StreamCloser {
-    void operator()(std::FILE* stream) const noexcept { static_cast<void>(std::fclose(stream)); }
-};
-using CStream = std::unique_ptr<std::FILE, StreamCloser>;
-
-CString FullPath(const wchar_t* path) {
-    CString full(GetFullPathNameW(path, 0, nullptr, nullptr), L'\0');
-    full.resize(GetFullPathNameW(path, static_cast<DWORD>(full.size()), full.data(), nullptr));
-    return full;
-}
-
 // The form in which the file functions take paths of more than 260 characters.
-CString LongPath(const wchar_t* path) {
-    CString full = FullPath(path);
-    if (full.size() < MAX_PATH || full.starts_with(L"\\\\?\\") || full.starts_with(L"\\\\.\\")) return path;
-    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+CString LongPath(const CString& path) {
+    const CString full = FullPath(path);
+    return full.size() < MAX_PATH || full.starts_with(L"\\\\.\\") ? path : LiteralPath(path);
 }
 
-// Decided before TinyXML sees the file, which would exhaust the stack.
-bool IsShallow(std::FILE* stream) {
-    const int64_t length = _filelengthi64(_fileno(stream));
-    // TinyXML keeps the length in a long.
-    if (length <= 0 || length >= LONG_MAX) return false;
-    const auto size = static_cast<size_t>(length);
-    const auto bytes = std::make_unique_for_overwrite<char[]>(size);
-    if (std::fread(bytes.get(), 1, size, stream) != size) return false;
-    return MeasureXmlDepth({bytes.get(), size}) <= kXmlDeepestNesting;
+// The whole content; empty when it cannot be read or is too long. Others may write to the file meanwhile: what was read
+// is what is measured and parsed.
+std::string ReadBytes(const CString& path) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    LARGE_INTEGER size = {};
+    // TinyXML keeps lengths in a long.
+    if (!file || !GetFileSizeEx(file.get(), &size) || size.QuadPart >= LONG_MAX) return {};
+    std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
+    DWORD read = 0;
+    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) return {};
+    bytes.resize(read);
+    return bytes;
+}
+
+// Turns CR LF, and a CR by itself, into LF, as TinyXML does with a file that it reads itself.
+void JoinLineEnds(std::string& text) {
+    char before = '\0';
+    size_t kept = 0;
+    for (const char c : text) {
+        if (before != '\r' || c != '\n') text[kept++] = c == '\r' ? '\n' : c;
+        before = c;
+    }
+    text.resize(kept);
+}
+
+bool Parse(std::string xml, TiXmlDocument& document) {
+    document.Clear();
+    JoinLineEnds(xml);
+    if (MeasureXmlDepth(xml) > kXmlDeepestNesting) return false;
+    document.Parse(xml.c_str());
+    return !document.Error();
 }
 
 }  // namespace
@@ -50,9 +59,8 @@ bool IsShallow(std::FILE* stream) {
 bool LoadXmlDocument(const wchar_t* path, TiXmlDocument& document) noexcept {
     if (!path) return false;
     try {
-        // Writers are kept out: TinyXML must read what was measured.
-        const CStream stream(_wfsopen(LongPath(path).c_str(), L"rb", _SH_DENYWR));
-        return stream && IsShallow(stream.get()) && document.LoadFile(stream.get());
+        std::string xml = ReadBytes(LongPath(path));
+        return !xml.empty() && Parse(std::move(xml), document);
     } catch (...) {
         return false;
     }
