@@ -2,6 +2,8 @@
 
 // The bodies of CGatherProc. Included by the file that instantiates a level, where node and child are complete.
 
+#include <algorithm>
+
 #include "tree/gathercheckproc.h"
 #include "tree/gatherproc.h"
 #include "tree/walkchildren.h"
@@ -71,7 +73,9 @@ bool CGatherProc<Self, Child>::Run(Pass pass) {
 
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::ReportRange() {
-    return Node().ReportProgress(static_cast<uint32_t>(m_rangeBegin), static_cast<uint32_t>(m_rangeEnd));
+    // A selection that changes during the run can push a range off the scale.
+    const auto onScale = [](double value) { return static_cast<uint32_t>(std::clamp(value, 0.0, 100.0)); };
+    return Node().ReportProgress(onScale(m_rangeBegin), onScale(m_rangeEnd));
 }
 
 // The first false ends it: later children get neither a range nor a run. A clean also visits children whose gather

@@ -56,6 +56,40 @@ TEST(Run, SplitsTheScale) {
     }
 }
 
+// Shares are dealt out by the selection at the start: what is selected behind them, by a host that holds the nodes,
+// runs off the scale, first above it, and below a node that is there, beneath it.
+TEST(Run, StaysOnTheScaleWhenTheSelectionGrowsMeanwhile) {
+    const TempFolder folder;
+    const std::string garbage = "<GarbageCatagory Name='g'/>";
+    const std::string xml =
+        "<R><AppCategoryInfo Name='c' SelState='2'><AppInfo Name='a'/><AppInfo Name='b'/>"
+        "<AppInfo Name='c'>"
+        + garbage + garbage + garbage + garbage + "</AppInfo></AppCategoryInfo></R>";
+    const Engine engine = NewEngine();
+    ASSERT_EQ(engine->Init(folder.Write(L"rules.xml", xml).c_str(), L"", nullptr), 0u);
+    const auto apps = ChildrenOf(*ChildrenOf(*engine)[0]);
+    const auto categories = ChildrenOf(*apps[2]);
+    ASSERT_TRUE(engine->Gather(nullptr)) << "from now on all of them take part";
+    const auto select = [](const auto& nodes, size_t from, uint32_t state) {
+        for (size_t i = from; i < nodes.size(); ++i)
+            nodes[i]->SetState(state);
+    };
+    select(apps, 1, SelectionNone);
+    RecordingHost host({}, [&](size_t i) {
+        if (host.lines[i] == L"2 a") {
+            select(apps, 1, SelectionAll);
+            select(categories, 1, SelectionNone);
+        }
+        if (host.lines[i] == L"1 g") select(categories, 1, SelectionAll);
+        return true;
+    });
+    EXPECT_TRUE(engine->Gather(&host));
+    std::erase_if(host.lines, [](const std::wstring& line) { return line[0] != L'p'; });
+    EXPECT_EQ(host.lines, Split(L"progress 0-100|progress 0-100|progress 100-100|progress 100-100|progress 100-100|"
+                                L"progress 100-0|progress 0-0|progress 0-0",
+                                L"|"));
+}
+
 class RunTest : public testing::Test {
 protected:
     const SmallJob m_job;
