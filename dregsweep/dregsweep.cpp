@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "dregsweep/companion.h"
 #include "dregsweep/progressranges.h"
@@ -25,21 +26,6 @@ constexpr const wchar_t* kCancelInStep = L"[Dregsweep]User cancel in process ste
 constexpr const wchar_t* kCancelInProgress = L"[Dregsweep]User cancel in process notify!,%S,%d";
 constexpr const wchar_t* kCancelInGather = L"[Dregsweep]User cancel in gather proc!,%S,%d";
 constexpr const wchar_t* kCancelInEmpty = L"[Dregsweep]User cancel in empty proc!,%S,%d";
-
-// The callback of a run. A host may start a nested run from a notification: the outer run's callback comes back.
-class CallbackScope {
-public:
-    CallbackScope(IDregsweepCallback*& slot, IDregsweepCallback* callback) noexcept : m_slot(slot), m_outer(slot) {
-        m_slot = callback;
-    }
-    ~CallbackScope() { m_slot = m_outer; }
-    CallbackScope(const CallbackScope&) = delete;
-    CallbackScope& operator=(const CallbackScope&) = delete;
-
-private:
-    IDregsweepCallback*& m_slot;
-    IDregsweepCallback* const m_outer;
-};
 
 // A plain prefix without a look at separators, folding A to Z only, on purpose.
 bool BeginsWith(const CString& path, const CString& prefix) noexcept {
@@ -66,6 +52,19 @@ uint32_t CountSelected(const std::vector<CReference<CAppCatagory>>& categories) 
 }
 
 }  // namespace
+
+// Makes a run the innermost one for the length of the scope.
+class CDregsweep::CRunScope {
+public:
+    CRunScope(Run*& slot, Run& run) noexcept : m_slot(slot), m_outer(std::exchange(slot, &run)) {}
+    ~CRunScope() { m_slot = m_outer; }
+    CRunScope(const CRunScope&) = delete;
+    CRunScope& operator=(const CRunScope&) = delete;
+
+private:
+    Run*& m_slot;
+    Run* const m_outer;
+};
 
 CDregsweep::CDregsweep(bool upgradeMode) : CVolumeProc(nullptr), m_upgradeMode(upgradeMode) {
     // Never balanced and the result not looked at, on purpose: the host's thread keeps its apartment.
@@ -161,9 +160,11 @@ bool CDregsweep::LoadCategories(const TiXmlElement& root) {
 
 uint64_t CDregsweep::Uninit() {
     if (!m_initialised) return 0;
+    CReference<ICompanionObject> companion;  // foreign code: it goes when the lock has been given up
     const CLockGuard guard(m_categories.Lock());
     m_categories.Release();
-    m_companion = {};
+    ++m_tree;
+    companion = std::move(m_companion);
     m_initialised = false;
     // The allowed paths stay, on purpose, and the totals until the next gather.
     return 0;
@@ -196,20 +197,24 @@ uint64_t CDregsweep::LoadTexts(const wchar_t* textPath, ITextSelector* selector)
 
 void CDregsweep::AddAllowedPath(const wchar_t* prefix) {
     if (!prefix) return;
-    NoThrow(false, [&] {
-        const CLockGuard guard(m_pathLock);
+    const CLockGuard guard(m_pathLock);
+    const bool stored = NoThrow(false, [&] {
         m_allowedPaths.emplace_back(prefix);
         return true;
     });
+    // Without the only prefix everything would be allowed.
+    if (!stored) m_allowedPathLost = true;
 }
 
 void CDregsweep::ClearAllowedPaths() {
     const CLockGuard guard(m_pathLock);
     m_allowedPaths.clear();
+    m_allowedPathLost = false;
 }
 
 bool CDregsweep::IsPathAllowed(const CString& path) {
     const CLockGuard guard(m_pathLock);
+    if (m_allowedPathLost) return false;
     return m_allowedPaths.empty()
            || std::any_of(m_allowedPaths.begin(), m_allowedPaths.end(),
                           [&](const CString& prefix) { return BeginsWith(path, prefix); });
@@ -224,7 +229,8 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
     // Before the callback is stored: a second run from another thread waits here for the first.
     const CLockGuard guard(m_categories.Lock());
     if (!m_initialised) return true;
-    const CallbackScope scope(m_callback, callback);
+    Run run{callback, m_tree};
+    const CRunScope scope(m_run, run);
     // Even when nothing is selected, on purpose.
     ZeroVolume();
     ResetForGather();
@@ -233,17 +239,16 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
 
     const Categories categories = ShareCategories();
     CProgressRanges ranges(CountSelected(categories));
-    bool goOn = true;
     for (const auto& category : categories) {
-        if (!goOn || !m_initialised) break;
+        if (run.stopped || IsOver(run)) break;
         if (category->GetState() == SelectionNone) continue;
         // One by one: a gather that is stopped does not mark the categories behind.
         category->Mark(reinterpret_cast<uint64_t>(callback));
         const ProgressRange range = ranges.Next();
         category->SetRange(range.begin, range.end);
-        goOn = category->RunGather();
+        category->RunGather();
     }
-    return goOn;
+    return !run.stopped;
 }
 
 bool CDregsweep::Clean(IDregsweepCallback* callback) {
@@ -259,7 +264,8 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     const CLockGuard guard(m_categories.Lock());
     if (!m_initialised) return true;
     std::optional<CRedirectionOff> redirection;  // reverted only after the callback is gone
-    const CallbackScope scope(m_callback, callback);
+    Run run{callback, m_tree};
+    const CRunScope scope(m_run, run);
     // Even when nothing is selected, on purpose.
     PrepareForClean();
     // Before the companion is told, unlike in a gather, on purpose.
@@ -271,18 +277,17 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     SendUsageEvents(categories);
     if (selected == 0) return true;
     CProgressRanges ranges(selected);
-    bool goOn = true;
     for (const auto& category : categories) {
-        if (!goOn || !m_initialised) break;
+        if (run.stopped || IsOver(run)) break;
         if (category->GetState() != SelectionNone) {
             const ProgressRange range = ranges.Next();
             category->SetRange(range.begin, range.end);
         }
         // Unselected categories are visited too, on purpose: they skip their unselected content themselves. Nothing is
         // marked here: that would zero the totals which each deleted item lowers.
-        goOn = category->RunClean();
+        category->RunClean();
     }
-    return goOn;
+    return !run.stopped;
 }
 
 void CDregsweep::TellCompanionOfRun() noexcept {
@@ -347,10 +352,13 @@ uint64_t CDregsweep::ClearTotals() {
 // True to go on: nobody is asked between runs. Whatever the host throws counts as a stop.
 template <class Call>
 bool CDregsweep::AskHost(const wchar_t* cancelTrace, Call call, std::source_location where) noexcept {
-    if (!m_callback) return true;
-    const bool goOn = NoThrow(false, [&] { return call(*m_callback); });
-    if (!goOn) DregsweepTrace(cancelTrace, __FILE_NAME__, static_cast<int>(where.line()));
-    return goOn;
+    if (!m_run) return true;
+    if (IsOver(*m_run)) return false;
+    if (!m_run->callback) return true;
+    if (NoThrow(false, [&] { return call(*m_run->callback); })) return true;
+    m_run->stopped = true;
+    DregsweepTrace(cancelTrace, __FILE_NAME__, static_cast<int>(where.line()));
+    return false;
 }
 
 bool CDregsweep::HostNotify1(uint64_t arg) {
@@ -370,6 +378,7 @@ bool CDregsweep::ReportProgress(uint32_t begin, uint32_t end) {
 }
 
 bool CDregsweep::ReportFound(const CString& item, const uint64_t* size, uint64_t extra) {
+    if (m_run && IsOver(*m_run)) return false;
     AddFound(*size);
     return AskHost(kCancelInGather,
                    [&](IDregsweepCallback& host) { return host.FoundItem(item.c_str(), *size, extra); });
@@ -378,6 +387,7 @@ bool CDregsweep::ReportFound(const CString& item, const uint64_t* size, uint64_t
 // The count of items is not handed on, on purpose.
 bool CDregsweep::ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
                                uint32_t count) {
+    if (m_run && IsOver(*m_run)) return false;
     if (subtract) TakeEmptied(*size, count);
     return AskHost(kCancelInEmpty,
                    [&](IDregsweepCallback& host) { return host.EmptiedItem(item.c_str(), *size, extra, subtract); });

@@ -59,6 +59,14 @@ public:
 private:
     using Categories = std::vector<CReference<CAppCatagory>>;
 
+    // A run in progress. Hosts may start another from a notification, or end the engine and initialise it anew.
+    struct Run {
+        IDregsweepCallback* callback;
+        uint32_t tree;         // the tree that it walks, see m_tree
+        bool stopped = false;  // by the host
+    };
+    class CRunScope;
+
     uint64_t DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector);
     uint64_t StartCompanion();
     uint64_t LoadConfigFile();
@@ -72,6 +80,8 @@ private:
     Categories ShareCategories();
     template <class Visit>
     void EachCategory(Visit visit) noexcept;
+    // Has the host ended the engine, or begun another tree, since the run started? It then learns nothing more of it.
+    bool IsOver(const Run& run) const noexcept { return run.tree != m_tree; }
     template <class Call>
     bool AskHost(const wchar_t* cancelTrace, Call call,
                  std::source_location where = std::source_location::current()) noexcept;
@@ -81,8 +91,10 @@ private:
     std::atomic<bool> m_initialised{false};
     const bool m_upgradeMode;
     CChildList<CAppCatagory, IAppCatagory> m_categories;  // with the category lock and the cursor
-    IDregsweepCallback* m_callback = nullptr;             // the host's, during a run; guarded by the category lock
+    uint32_t m_tree = 0;                                  // counts the trees that were let go
+    Run* m_run = nullptr;                                 // the innermost run; guarded by the category lock
     CString m_configPath;
     CLock m_pathLock;  // guards the allowed paths; taken briefly, during a run inside the category lock
     std::list<CString> m_allowedPaths;
+    bool m_allowedPathLost = false;  // there was no memory for one: no path is allowed
 };

@@ -17,8 +17,9 @@ public:
     // Adds a reference; returns the new count.
     virtual uint32_t AddRef() noexcept { return m_references.fetch_add(1, std::memory_order_relaxed) + 1; }
 
-    // Gives up a reference; returns the new count. At 0 the object is gone before the call returns.
-    virtual uint32_t Release() noexcept {
+    // Gives up a reference; returns the new count. At 0 the object is gone before the call returns. The engine's
+    // objects never throw here; what the override of a host's or companion's object throws, the engine drops.
+    virtual uint32_t Release() {
         const uint32_t left = m_references.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (left == 0) {
             FinalRelease();

@@ -2,7 +2,10 @@
 
 #include <utility>
 
-// Owns one reference on a counted object, of this engine or of COM, and gives it up at the end of its scope.
+#include "sysservices/nothrow.h"
+
+// Owns one reference on a counted object, of this engine, of COM or of a host, and gives it up at the end of its scope.
+// What a foreign Release throws ends there.
 template <class T>
 class CReference {
 public:
@@ -21,7 +24,7 @@ public:
         return *this;
     }
     ~CReference() {
-        if (m_object) m_object->Release();
+        if (m_object) NoThrow<unsigned long>(0, [this] { return m_object->Release(); });
     }
 
     // Gives up what it holds and returns the place for an out argument, whose reference it then owns. The second form

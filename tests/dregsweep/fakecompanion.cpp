@@ -22,6 +22,11 @@ struct CFakeCompanion : ICompanionObject {
     void BeginRun() override {
         if (g_record.runs++ == 0) throw 1;
     }
+    uint32_t Release() override {
+        if (const uint32_t left = IEUObject::Release()) return left;
+        if (g_record.onLastRelease) g_record.onLastRelease();
+        throw 1;
+    }
 };
 
 }  // namespace

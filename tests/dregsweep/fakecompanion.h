@@ -10,6 +10,7 @@ struct FakeCompanionRecord {
     uint32_t starts;  // the first answers kStartCode, the others throw, which counts as ready
     uint32_t runs;    // told by BeginRun: the first throws
     uint32_t alive;   // companion objects
+    void (*onLastRelease)();  // may be null; then the release throws
 };
 
 inline constexpr uint64_t kStartCode = 0x123456789A;

@@ -105,6 +105,15 @@ TEST(AllowedPaths, ArePlainPrefixesThatFoldAToZ) {
         EXPECT_FALSE(engine->IsPathAllowed(path)) << path;
     engine->ClearAllowedPaths();
     EXPECT_TRUE(engine->IsPathAllowed(L""));
+
+    // The only prefix that there is no memory for must not allow everything.
+    alloc_guard::FailAfter(0);
+    engine->AddAllowedPath(L"C:\\Temp");
+    alloc_guard::FailAfter(-1);
+    engine->AddAllowedPath(L"D:");
+    EXPECT_FALSE(engine->IsPathAllowed(L"Q:\\x") || engine->IsPathAllowed(L"D:\\x"));
+    engine->ClearAllowedPaths();
+    EXPECT_TRUE(engine->IsPathAllowed(L"Q:\\x"));
 }
 
 // Run by the test below in a process whose name the system has on record as one for Windows XP.
