@@ -69,3 +69,18 @@ TEST(TreeLoad, SettlesPresenceAfterTheChildren) {
     }
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str());
 }
+
+TEST(TreeEnumeration, HasOneCursorForAllWhoEnumerate) {
+    const Category category("<A Name='A'><AppInfo Name='p'/><AppInfo Name='q'/><AppInfo Name='r'/></A>");
+    const auto next = [&](const auto& previous) { return CReference(category->GetNextChild(previous.get())); };
+    CReference first(category->GetFirstChild());
+    const auto second = next(first);
+    EXPECT_EQ(second->GetInfo()->NameText, std::wstring(L"q"));
+    EXPECT_FALSE(next(first)) << "not the current child any more";
+    EXPECT_FALSE(category->GetNextChild(nullptr));
+    EXPECT_EQ(next(second)->GetInfo()->NameText, std::wstring(L"r")) << "neither has moved the cursor";
+
+    first = CReference(category->GetFirstChild());
+    EXPECT_EQ(ChildrenOf(*category).size(), 3u) << "another enumeration, to its end";
+    EXPECT_FALSE(next(first)) << "which ends this one early";
+}
