@@ -60,8 +60,7 @@ public:
     // Reads the rule file (XML) and the localised names (XML, see ChangeResID). Paths are null-terminated UTF-16 of any
     // length; the pointers are not kept. `selector` may be null; it is called during Init only.
     // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing, empty, no
-    // XML, of 2 GB or more, nested deeper than 256 elements or open for writing elsewhere, on purpose: look at
-    // GetFirstCategory. Returns 0 and does nothing when it is ready already or a path is null.
+    // XML, of 2 GB or more or nested deeper than 256 elements, on purpose: look at GetFirstCategory. Returns 0 and does nothing when it is ready already or a path is null.
     // Returns kDregsweepConfigFailed when the file has no element, its root has no child element, a category fails to
     // load or memory runs out: the engine is not ready, and the categories before the failing one stay in its list,
     // ahead of those of a later Init. Returns the companion library's code when that refuses to start.
@@ -79,7 +78,7 @@ public:
     // there is no limit. Single files, shell folders, registry rules and cleaners are not limited, and a clean does not
     // ask again: this is no fence around a rule file that you do not trust. A plain comparison of characters that folds
     // A to Z only and knows no separators, on purpose: "C:\Temp" admits "C:\TempFiles". The text is copied; null is
-    // ignored.
+    // ignored. When there is no memory for it, no folder at all is allowed until ClearAllowedPaths.
     virtual void AddAllowedPath(const wchar_t* prefix) = 0;
     virtual void ClearAllowedPaths() = 0;
     // Scans what the selected rules describe and reports every item (see IDregsweepCallback). Zeroes the totals first,
