@@ -18,12 +18,18 @@ bool UserAgrees(CConsole& console) {
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 
-// Adds the paths of the items in that state, of this node and those below, to `paths`.
-void CollectPaths(const RunResult& result, ItemState state, std::vector<std::wstring>& paths) {
-    for (const ItemResult& item : result.items)
-        if (item.state == state) paths.push_back(item.path.empty() ? L"(all of " + result.path + L")" : item.path);
+// Adds the paths of the items in that state, of this node and those below, to `paths`, and returns how many items they
+// stand for.
+uint64_t CollectPaths(const RunResult& result, ItemState state, std::vector<std::wstring>& paths) {
+    uint64_t items = 0;
+    for (const ItemResult& item : result.items) {
+        if (item.state != state) continue;
+        paths.push_back(item.path.empty() ? L"(all of " + result.path + L")" : item.path);
+        items += item.amount.items;
+    }
     for (const RunResult& child : result.children)
-        CollectPaths(child, state, paths);
+        items += CollectPaths(child, state, paths);
+    return items;
 }
 
 // Lists the items in that state and returns what to say of them in the summary. Only the first few, or a program that
@@ -31,13 +37,13 @@ void CollectPaths(const RunResult& result, ItemState state, std::vector<std::wst
 std::wstring PrintNotDeleted(COutput& out, const RunResult& result, ItemState state, const wchar_t* headline) {
     constexpr size_t kShown = 20;
     std::vector<std::wstring> paths;
-    CollectPaths(result, state, paths);
+    const uint64_t items = CollectPaths(result, state, paths);
     if (paths.empty()) return {};
     out.Line(headline);
     for (size_t i = 0; i < paths.size() && i < kShown; ++i)
         out.Line(L"  " + paths[i]);
     if (paths.size() > kShown) out.Line(L"  and " + ItemCount(paths.size() - kShown) + L" more; --json lists them all");
-    return L", " + GroupedNumber(paths.size()) + L' ' + Text(state);
+    return L", " + GroupedNumber(items) + L' ' + Text(state);
 }
 
 void PrintResult(COutput& out, const RunResult& result) {

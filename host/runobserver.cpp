@@ -1,6 +1,10 @@
 #include "host/runobserver.h"
 
+#include <algorithm>
+#include <type_traits>
 #include <utility>
+
+#include "host/treewalk.h"
 
 namespace {
 
@@ -17,8 +21,13 @@ CRunObserver::CRunObserver(IDregsweep& engine, CConsole& console, const CCancel&
       m_console(console),
       m_cancel(cancel),
       m_listItems(listItems),
-      m_progress(console.err, /*hidden=*/listItems && console.out.IsTerminal()),
-      m_itemsLeft(engine.GetTotalCount()) {}
+      m_progress(console.err, /*hidden=*/listItems && console.out.IsTerminal()) {
+    WalkTree(engine, [this](auto& node, size_t) {
+        if constexpr (std::is_same_v<decltype(node), IGarbageInfo&>)
+            m_rules.push_back({CReference<IGarbageInfo>::Share(&node), node.GetTotalCount()});
+        return true;
+    });
+}
 
 ExitStatus CRunObserver::Run(bool (IDregsweep::*run)(IDregsweepCallback*)) {
     const bool finished = (m_engine.*run)(this);
@@ -60,9 +69,8 @@ bool CRunObserver::FoundItem(const wchar_t* path, uint64_t size, uint64_t catego
 }
 
 bool CRunObserver::EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) {
-    const uint64_t left = ItemsThatLeft();
-    // A recycle bin is reported once for all that was in it, also for nothing.
-    const Amount amount = {removed && !*path ? left : 1, size};
+    // A recycle bin or another shell folder is reported once for all that was found in it, also for nothing.
+    const Amount amount = {*path ? 1 : ItemsOfRule(), size};
     if (amount.items == 0) return GoOn();
     const ItemResult item = {path, amount, removed ? ItemState::Deleted : WhyNotDeleted(path)};
     m_progress.Count(amount);
@@ -71,11 +79,12 @@ bool CRunObserver::EmptiedItem(const wchar_t* path, uint64_t size, uint64_t cate
     return GoOn();
 }
 
-// The engine takes what is deleted out of its totals before it reports it.
-uint64_t CRunObserver::ItemsThatLeft() {
-    const uint64_t now = m_engine.GetTotalCount();
-    const uint64_t before = std::exchange(m_itemsLeft, now);
-    return before > now ? before - now : 0;
+// A report names the category only. Of all rules the one that is being cleaned has that stage.
+uint64_t CRunObserver::ItemsOfRule() const noexcept {
+    const auto current = std::find_if(m_rules.begin(), m_rules.end(), [](const CountedRule& rule) {
+        return rule.node->GetExtraCount() == StageCleaning;
+    });
+    return current == m_rules.end() ? 0 : current->items;
 }
 
 void CRunObserver::List(const ItemResult& item, uint64_t category) {

@@ -10,6 +10,7 @@
 #include "host/exitstatus.h"
 #include "host/itemstate.h"
 #include "host/progressline.h"
+#include "sysservices/reference.h"
 
 // What became of an item.
 struct ItemResult {
@@ -41,8 +42,13 @@ public:
     std::vector<ItemResult> Take(IGarbageCatagory& category);
 
 private:
+    struct CountedRule {
+        CReference<IGarbageInfo> node;
+        uint64_t items;  // in its totals before the run
+    };
+
     bool GoOn() const noexcept { return !m_cancel.Requested(); }
-    uint64_t ItemsThatLeft();
+    uint64_t ItemsOfRule() const noexcept;
     void List(const ItemResult& item, uint64_t category);
 
     IDregsweep& m_engine;
@@ -52,6 +58,6 @@ private:
     CProgressLine m_progress;
     std::wstring m_application;
     uint64_t m_listedCategory = 0;
-    uint64_t m_itemsLeft;                                              // in the engine's totals, before the next report
+    std::vector<CountedRule> m_rules;
     std::unordered_map<uint64_t, std::vector<ItemResult>> m_reported;  // by the category's pointer
 };

@@ -1,11 +1,13 @@
 #include <windows.h>
 #include <gmock/gmock.h>
+#include <shlobj.h>
 #include <wininet.h>
 
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "host/cleancommand.h"
 #include "host/engine.h"
 #include "host/runobserver.h"
 #include "host/updatecommand.h"
@@ -71,6 +73,10 @@ DWORD WINAPI TellSize(HINTERNET request, LONG, PVOID, DWORD, DWORD_PTR) {
 }
 HINTERNET WINAPI OpenUnlessAsync(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags) {
     return flags == INTERNET_FLAG_ASYNC ? nullptr : InternetOpenW(agent, access, proxy, bypass, flags);
+}
+// Without a path any shell folder is taken as a whole, as the recycle bin is.
+HRESULT WINAPI RefusePath(HWND, int, HANDLE, DWORD, LPWSTR) {
+    return E_FAIL;
 }
 
 }  // namespace
@@ -192,6 +198,40 @@ TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
     for (const auto& [path, became] : items)
         EXPECT_EQ(GetFileAttributesW(Utf8ToWide(path).c_str()) == INVALID_FILE_ATTRIBUTES, became[0] == 'd') << path;
     EXPECT_EQ(json["deleted"], (nlohmann::json{{"count", 3}, {"bytes", 1503}}));
+}
+
+TEST_F(Dsw, CountsAShellFolderByWhatWasFoundInIt) {
+    const CEngineModule module;
+    const IatPatch noPath(GetModuleHandleW(L"Dregsweep.dll"), nullptr, "SHGetFolderPathW",
+                          reinterpret_cast<const void*>(RefusePath));
+    wchar_t recent[MAX_PATH] = {};
+    ASSERT_TRUE(noPath.ok() && SUCCEEDED(SHGetFolderPathW({}, CSIDL_RECENT, {}, 0, recent)));
+    const std::wstring rules =
+        m_folder.Write(L"rules.xml",
+                       "<R><AppCategoryInfo Name='C' SelState='2'><AppInfo Name='A'><GarbageCatagory Name='G'>"
+                       "<GarbageInfo FolderIndex='8'/><GarbageInfo FolderEnvDir='DSW_TEST' Path='junk' IsFolder='1'/>"
+                       "</GarbageCatagory></AppInfo></AppCategoryInfo></R>");
+    const std::pair<std::vector<const wchar_t*>, const char*> rows[] = {
+        {{}, "Freed 3 bytes in 1 item; not deleted: 0 items, 0 bytes."},
+        {{L"\\1", L"\\2"}, "Freed 3 bytes in 1 item; not deleted: 2 items, 10 bytes: 2 refused."},
+    };
+    for (const auto& [names, summary] : rows) {
+        m_folder.Write(L"junk\\a", "123");
+        for (const wchar_t* name : names)
+            CopyFileW(m_folder.Write(L"five", "12345").c_str(), (std::wstring(recent) + name).c_str(), FALSE);
+        const CHandle out = Stream(L"out", CREATE_ALWAYS);
+        SetStdHandle(STD_OUTPUT_HANDLE, out.get());
+        CConsole console;
+        CLI::App app;
+        CommandAction action;
+        AddCleanCommand(app, action, /*upgradeMode=*/false);
+        app.parse(std::vector<std::string>{WideToUtf8(rules), "--rules", "--yes", "clean"});
+        EXPECT_EQ(action(console), ExitStatus::Done);
+        console.out.Flush();
+        EXPECT_THAT(ReadFileBytes(m_folder / L"out"), HasSubstr(summary));
+        for (const wchar_t* name : names)
+            EXPECT_TRUE(DeleteFileW((std::wstring(recent) + name).c_str()));
+    }
 }
 
 TEST_F(Dsw, StopsARunAtTheNextNotification) {
