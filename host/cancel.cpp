@@ -20,7 +20,8 @@ BOOL WINAPI RequestOnStop(DWORD event) noexcept {
 }
 
 BOOL WINAPI EndOnStop(DWORD event) noexcept {
-    if (IsStop(event)) ExitProcess(static_cast<UINT>(ExitStatus::Stopped));
+    // Not ExitProcess, in which libraries may wait for a lock of a thread that is no more.
+    if (IsStop(event)) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitStatus::Stopped));
     return FALSE;
 }
 
@@ -46,10 +47,6 @@ bool CCancel::Request() noexcept {
 }
 
 // The handler that was added last is asked first.
-CEndOnCancel::CEndOnCancel() noexcept {
+void EndOnCancel() noexcept {
     SetConsoleCtrlHandler(EndOnStop, TRUE);
-}
-
-CEndOnCancel::~CEndOnCancel() {
-    SetConsoleCtrlHandler(EndOnStop, FALSE);
 }

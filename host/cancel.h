@@ -15,12 +15,6 @@ public:
     static bool Request() noexcept;
 };
 
-// For a wait that cannot ask, such as one for an answer: while the object lives, Ctrl-C ends the process at once, as
-// stopped by the user. Nothing may be half done meanwhile.
-class CEndOnCancel {
-public:
-    CEndOnCancel() noexcept;
-    ~CEndOnCancel();
-    CEndOnCancel(const CEndOnCancel&) = delete;
-    CEndOnCancel& operator=(const CEndOnCancel&) = delete;
-};
+// From now on Ctrl-C ends the process at once, as stopped by the user, where no CCancel takes it: the status that the
+// system gives is not the same everywhere, and may be that of success. Call it before the first CCancel.
+void EndOnCancel() noexcept;

@@ -12,9 +12,8 @@ struct CleanOptions : GatherOptions {
     bool dryRun = false;
 };
 
-bool UserAgrees(CConsole& console) {
-    const CEndOnCancel endOnCancel;
-    const auto answer = console.Ask(L"Delete these items, and what the selected registry rules name? [y/N] ");
+bool UserAgrees(CConsole& console, const CCancel& cancel) {
+    const auto answer = console.Ask(L"Delete these items, and what the selected registry rules name? [y/N] ", cancel);
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 
@@ -75,7 +74,7 @@ std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& opt
     }
     if (options.dryRun && !options.json) console.out.Line(L"A dry run: nothing was deleted.");
     if (!goOn) return status;
-    if (options.yes || UserAgrees(console)) return {};
+    if (options.yes || UserAgrees(console, cancel)) return {};
     console.err.Line(L"dsw: nothing was deleted");
     return ExitStatus::Stopped;
 }

@@ -1,6 +1,10 @@
 #include "host/console.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
+#include <thread>
+#include <utility>
 
 #include "host/columns.h"
 #include "sysservices/text.h"
@@ -76,11 +80,18 @@ void COutput::Flush() noexcept {
     m_buffer.clear();
 }
 
-std::optional<std::wstring> CConsole::Ask(std::wstring_view question) {
+std::optional<std::wstring> CConsole::Ask(std::wstring_view question, const CCancel& cancel) {
     out.Write(question);
     out.Flush();
-    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-    const auto answer = IsConsole(input) ? ReadTerminalLine(input) : ReadPipedLine(input);
+    // On a thread of its own, which Ctrl-C leaves behind: nothing else ends the wait for a line everywhere.
+    std::packaged_task<std::optional<std::wstring>()> read([input = GetStdHandle(STD_INPUT_HANDLE)] {
+        return IsConsole(input) ? ReadTerminalLine(input) : ReadPipedLine(input);
+    });
+    auto line = read.get_future();
+    std::thread(std::move(read)).detach();
+    while (!cancel.Requested() && line.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout)
+        continue;
+    const auto answer = cancel.Requested() ? std::nullopt : line.get();
     // The answer's own line end is on the screen only when it was typed there.
     if (!answer || !out.IsTerminal()) out.Line();
     return answer;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/cancel.h"
+
 // One of the process's standard outputs: UTF-16 to a console, UTF-8 to a pipe or file.
 class COutput {
 public:
@@ -42,7 +44,7 @@ public:
     CConsole() noexcept : out(GetStdHandle(STD_OUTPUT_HANDLE)), err(GetStdHandle(STD_ERROR_HANDLE)) {}
 
     // Puts the question and reads a line; nothing at the end of the input or after Ctrl-C.
-    std::optional<std::wstring> Ask(std::wstring_view question);
+    std::optional<std::wstring> Ask(std::wstring_view question, const CCancel& cancel);
 
     COutput out;
     COutput err;

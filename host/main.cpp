@@ -1,3 +1,4 @@
+#include "host/cancel.h"
 #include "host/checkcommand.h"
 #include "host/cleancommand.h"
 #include "host/gathercommand.h"
@@ -85,6 +86,7 @@ void ShowError(const std::exception& error, CConsole& console) {
 int _dowildcard = 0;
 
 int wmain(int count, wchar_t** arguments) {
+    EndOnCancel();
     CConsole console;
     ExitStatus status = ExitStatus::Failed;
     try {
