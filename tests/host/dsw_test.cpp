@@ -126,20 +126,20 @@ TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
     const std::wstring list = L"list " + Rules() + L"--text \"" + names + L"\" ";
     EXPECT_EQ(Run(list), 0U) << m_err;
     EXPECT_EQ(m_out,
-              "[-] Σύστημα                 Système\n"
-              "    [x] Da (present)        Système/Da\n"
-              "        [x] 临时文件        Système/Da/临时文件\n"
-              "            [x] rule 1      Système/Da/临时文件/1\n"
-              "            [ ] rule 2      Système/Da/临时文件/2\n"
-              "    [ ] Fort (not present)  Système/Fort\n"
-              "        [x] */�Again        Système/Fort/--�Again\n"
-              "            [x] rule 1      Système/Fort/--�Again/1\n"
-              "        [x] ?/�again        Système/Fort/--�again#2\n");
+              "[-] Σύστημα                  Système\n"
+              "    [x] Da (present)         Système/Da\n"
+              "        [x] 临时文件         Système/Da/临时文件\n"
+              "            [x] rule 1       Système/Da/临时文件/1\n"
+              "            [ ] rule 2       Système/Da/临时文件/2\n"
+              "    [ ] Fort (not present)   Système/Fort\n"
+              "        [x] */<U+001B>Again  Système/Fort/--<U+001B>Again\n"
+              "            [x] rule 1       Système/Fort/--<U+001B>Again/1\n"
+              "        [x] ?/<U+001B>again  Système/Fort/--<U+001B>again#2\n");
     // The boxes of the lines above. What is off comes on only when it is named; an absent application stays selected.
     const std::pair<const wchar_t*, const char*> rows[] = {
         {L"--all --deselect */da", "-    xxxx"},
         {L"--deselect */da --all", "xxxxxxxxx"},
-        {L"--select ΣΎΣΤΗΜΑ/fort/--?again", "-xxx -xx "},
+        {L"--select ΣΎΣΤΗΜΑ/fort/--<u+001b>again", "-xxx -xx "},
         {L"--select */临时文件", "xxxxx    "},
         {L"--deselect */临时文件/1 --only *#2 --only */1", "---x xxxx"},
     };
@@ -153,14 +153,15 @@ TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
 }
 
 TEST_F(Dsw, LooksWithoutDeletingAndWithoutControlCharacters) {
-    const std::wstring file = m_folder.Write(L"junk\\ünter\\日本 и.tmp", std::string(2000, 'x'));
+    m_folder.Write(L"junk\\ünter\\日本 \x202Eи.tmp", std::string(2000, 'x'));
+    const std::wstring shown = m_folder / L"junk\\ünter\\日本 <U+202E>и.tmp";
     EXPECT_EQ(Run(L"clean --items --dry-run --allow C:\\ " + Rules()), 0U) << m_err;
-    EXPECT_THAT(m_out, HasSubstr("Da: 临时文件\n    found  " + WideToUtf8(file) + "  2000\n"));
+    EXPECT_THAT(m_out, HasSubstr("Da: 临时文件\n    found  " + WideToUtf8(shown) + "  2000\n"));
     EXPECT_THAT(m_out, HasSubstr("Found 1 item, 1.9 KB (2,000 bytes).\n"));
     EXPECT_EQ((m_out + m_err).find('\r'), std::string::npos);
     EXPECT_EQ(Run(L"gather --allow C:\\none " + Rules()), 0U);
     EXPECT_THAT(m_out, HasSubstr("Found 0 items"));
-    EXPECT_TRUE(m_folder.Has(L"junk\\ünter\\日本 и.tmp"));
+    EXPECT_TRUE(m_folder.Has(L"junk\\ünter\\日本 \x202Eи.tmp"));
 }
 
 TEST_F(Dsw, CleansOnlyAfterYesAndCountsOnlyWhatIsGone) {
@@ -178,7 +179,7 @@ TEST_F(Dsw, CleansOnlyAfterYesAndCountsOnlyWhatIsGone) {
 
 TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
     m_folder.Write(L"junk\\a", std::string(1500, 'x'));
-    m_folder.Write(L"junk\\ünter\\日本.tmp", "123");
+    m_folder.Write(L"junk\\ünter\\日本\x202E.tmp", "123");
     m_folder.Write(L"junk\\empty", "");
     SetFileAttributesW(m_folder.Write(L"junk\\fixed", "12345").c_str(), FILE_ATTRIBUTE_READONLY);
     const CHandle held(CreateFileW(m_folder.Write(L"junk\\held").c_str(), GENERIC_READ, 0, {}, OPEN_EXISTING, 0, {}));
@@ -194,7 +195,7 @@ TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
                                                          {junk + "empty", "deleted0 gone0 "},
                                                          {junk + "fixed", "refused5 refused5 "},
                                                          {junk + "held", "in use1 in use1 "},
-                                                         {junk + "ünter\\日本.tmp", "deleted3 "}}));
+                                                         {junk + "ünter\\日本\u202E.tmp", "deleted3 "}}));
     for (const auto& [path, became] : items)
         EXPECT_EQ(GetFileAttributesW(Utf8ToWide(path).c_str()) == INVALID_FILE_ATTRIBUTES, became[0] == 'd') << path;
     EXPECT_EQ(json["deleted"], (nlohmann::json{{"count", 3}, {"bytes", 1503}}));

@@ -18,7 +18,9 @@ TEST(HostText, ColumnsFollowTheWidthOfLetters) {
     EXPECT_EQ(Shorten(L"a中b", 2), L"a");
     EXPECT_EQ(Shorten(L"a😀b", 2), L"a");
     EXPECT_EQ(Shorten(L"a😀b", 3), L"a😀");
-    EXPECT_EQ(Printable(L"a\r\x1B\x9B\xA0"), L"a\uFFFD\uFFFD\uFFFD\xA0");
+    EXPECT_EQ(Printable(L"a\r\x1B\x9B\xA0"), L"a<U+000D><U+001B><U+009B>\xA0");
+    EXPECT_EQ(Printable(L"\u200D\u200E\u202E\u202F\u2066\u206A"), L"\u200D<U+200E><U+202E>\u202F<U+2066>\u206A");
+    EXPECT_EQ(PadRight(L"\x202E\x1B", 17), L"\x202E\x1B ");
 }
 
 TEST(HostText, ProgressNeverGoesBack) {
