@@ -39,7 +39,8 @@ void CheckedRule::Locate() {
     const std::wstring below = getByReg ? std::wstring() : path;
     if (HasBase()) {
         hasLocation = base != nullptr;
-        if (base) location = NormalPath(JoinPath(base->path, below));
+        // Behind a drive two "\" are as one; without it they begin a share.
+        if (base) location = NormalPath(L"C:" + JoinPath(base->path, below));
     } else {
         hasLocation = IsAbsolutePath(below);
         location = NormalPath(below);
