@@ -3,8 +3,9 @@
 #include <cstdint>
 
 // Implemented by the host: what a run tells it. Every operation answers true to go on or false to stop; the host may
-// stop at any notification, and a C++ exception (of the same compiler's runtime) counts as a stop. It declares no
-// destructor, so that the first step notification is the first operation in the table.
+// stop at any notification, and a C++ exception (of the same compiler's runtime) counts as a stop. Its destructor is
+// not virtual, so that the first step notification is the first operation in the table, and protected: nobody deletes a
+// host's object through this class.
 //
 // All calls come on the thread that called Gather or Clean, synchronously, while the engine's category lock is held.
 // From here the host may, on this same thread, read totals and records, enumerate, toggle, start a nested run, or even
