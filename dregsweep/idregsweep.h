@@ -115,8 +115,8 @@ public:
 // "GetSysUpgradeClearImp": an engine for the leftovers of a system upgrade, initialised from "SysUpgradeConfig.xml" and
 // "ResIDText.xml" beside the host's executable, in upgrade mode: files and folders that refuse are unlocked and tried
 // once more, for which it enables the restore and take-ownership privileges of the process. Make and run one such
-// engine at a time. An engine without
-// categories, on purpose, when the first file is missing or broken; null when Init refuses or memory runs out.
+// engine at a time. An engine without categories, on purpose, when the first file is missing or broken; null when Init
+// refuses, memory runs out, or the executable's path cannot be had or is of 260 characters or more.
 using DregsweepFactory = IDregsweep* (*)();
 
 // The export "GetInetFileProcImp": the process's one update object; see iinternetfileproc.h.
