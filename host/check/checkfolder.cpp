@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "sysservices/text.h"
+#include "sysservices/literalpath.h"
 
 namespace {
 
@@ -158,13 +158,9 @@ std::vector<std::wstring> FolderVariables() {
 }
 
 std::wstring NormalPath(std::wstring_view path) {
-    std::vector<std::wstring> names;
-    for (std::wstring& name : Split(ToLower(WithoutRoot(path)), L"\\/")) {
-        if (name == L".." && !names.empty()) names.pop_back();
-        // Windows drops dots and blanks at the end of a name.
-        name.erase(name.find_last_not_of(L". ") + 1);
-        if (!name.empty()) names.push_back(std::move(name));
-    }
+    // Read by Windows itself, as the engine's searches are; the drive is no machine's.
+    const std::wstring full = FullPath(L"C:\\" + std::wstring(WithoutRoot(path)));
+    std::vector<std::wstring> names = Split(ToLower(WithoutRoot(full)), L"\\");
     if (names.size() > 1 && names[0] == L"users" && names[1] != L"public") names[1] = L"me";
     std::wstring normal;
     for (const std::wstring& name : names)

@@ -37,13 +37,15 @@ CheckedRule::CheckedRule(const TiXmlElement& ruleElement)
 void CheckedRule::Locate() {
     if (isRegistry || IsVirtual()) return;
     const std::wstring below = getByReg ? std::wstring() : path;
+    // A pattern follows that of a folder: at its end Windows reads a path differently.
+    const wchar_t* const end = isFolder ? L"\\" : L"";
     if (HasBase()) {
         hasLocation = base != nullptr;
         // Behind a drive two "\" are as one; without it they begin a share.
-        if (base) location = NormalPath(L"C:" + JoinPath(base->path, below));
+        if (base) location = NormalPath(L"C:" + JoinPath(base->path, below) + end);
     } else {
         hasLocation = IsAbsolutePath(below);
-        location = NormalPath(below);
+        location = NormalPath(below + end);
     }
 }
 

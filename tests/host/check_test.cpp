@@ -62,6 +62,7 @@ TEST(Check, FindsFaultsOfARule) {
           "FolderIndex='40' IsFolder='1' Filter='*.log'", "Path='' EmptyProc='NT_ClearHistory'", "FolderIndex='10'",
           "FolderIndex='26' IsFolder='1' LoopPath='1'><LoopPath Path='*' AddPath='Cache'/>",
           "FolderEnvDir='ProgramFiles' Path='Tool\\Logs' IsFolder='1'",
+          "FolderEnvDir='USERPROFILE' Path='Documents ' IsFolder='1'",  // which is not "Documents"
           "FolderEnvDir='SystemDrive' Path='\\Windows.old' IsFolder='1' Iteration='1'",
           tool + "ExcludeFilter='.log|.tmp'", tool + "ExcludeFilter='.log|.log1'",
           tool + "ExcludeFilter='desktop.ini|index.dat|thumbs.db'",
