@@ -21,16 +21,16 @@ inline constexpr Refusal kRefusals[] = {
      "OpenServiceW SetFileSecurityW SetSecurityDescriptorDacl CompareStringOrdinal DeleteFileW FindNextFileW "
      "GetEnvironmentVariableW GetFileSizeEx GetFullPathNameW GetModuleFileNameA GetModuleFileNameW LCMapStringEx "
      "LoadLibraryA MoveFileW MultiByteToWideChar OpenProcess ReadFile WideCharToMultiByte WriteFile "
-     "WritePrivateProfileStringW _wfsopen fread CoTaskMemAlloc SHGetFileInfoW SHGetPathFromIDListW "
+     "WritePrivateProfileStringW CoTaskMemAlloc SHGetFileInfoW SHGetPathFromIDListW "
      "DeleteUrlCacheEntryW FindFirstUrlCacheEntryW FindNextUrlCacheEntryW InternetOpenUrlW InternetOpenW "
      "InternetQueryDataAvailable InternetQueryOptionW InternetReadFile "},
     {" RegDeleteKeyW RegDeleteValueW RegEnumKeyExW RegEnumKeyW RegEnumValueW RegOpenKeyExW RegQueryValueExW ", kDenied},
-    {" CreateFileW FindFirstFileW _filelengthi64 fseek ftell ", kMinusOne},
+    {" CreateFileW FindFirstFileW ", kMinusOne},
     {" CoInitialize SHEmptyRecycleBinW SHGetDesktopFolder SHGetFolderPathW SHGetSpecialFolderLocation ", kFailed},
     {" CoCreateInstance ", 0x80040154},
     {" InternetSetFilePointer ", 0xFFFFFFFF},
     {" CloseServiceHandle CloseHandle FindClose FindCloseUrlCache InternetCloseHandle ", 0, ERROR_INVALID_HANDLE, true},
-    {" RegCloseKey fclose ", kMinusOne, ERROR_INVALID_HANDLE, true},
+    {" RegCloseKey ", kMinusOne, ERROR_INVALID_HANDLE, true},
 };
 
 // Imports that cannot fail: identities, locks, kernel32's own handle, what only frees or computes or answers a default.
