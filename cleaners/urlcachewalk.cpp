@@ -17,8 +17,8 @@ bool CUrlCacheWalk::Fetch() noexcept {
 // `size` receives the bytes needed.
 bool CUrlCacheWalk::Request(DWORD& size) noexcept {
     if (m_walk) return FindNextUrlCacheEntryW(m_walk.get(), EntryBuffer(), &size);
-    m_walk.reset(FindFirstUrlCacheEntryW(nullptr, EntryBuffer(), &size));
-    return m_walk != nullptr;
+    m_walk = COwner<WalkKind>(FindFirstUrlCacheEntryW(nullptr, EntryBuffer(), &size));
+    return static_cast<bool>(m_walk);
 }
 
 bool CUrlCacheWalk::Grow(DWORD capacity) noexcept {

@@ -4,7 +4,8 @@
 #include <wininet.h>
 
 #include <memory>
-#include <type_traits>
+
+#include "sysservices/owner.h"
 
 // One enumeration of the whole WinINet URL cache of the current user, closed when it goes out of scope. Its buffer
 // grows to the largest entry met and never shrinks. Deleting the entry at hand is allowed.
@@ -27,8 +28,9 @@ public:
 private:
     static constexpr DWORD kFirstCapacity = 4096;
 
-    struct Closer {
-        void operator()(HANDLE walk) const noexcept { FindCloseUrlCache(walk); }
+    struct WalkKind {
+        using Value = HANDLE;
+        static void GiveBack(HANDLE walk) noexcept { FindCloseUrlCache(walk); }
     };
 
     INTERNET_CACHE_ENTRY_INFOW* EntryBuffer() const noexcept {
@@ -40,6 +42,6 @@ private:
 
     std::unique_ptr<unsigned char[]> m_buffer;
     DWORD m_capacity = 0;  // bytes
-    std::unique_ptr<std::remove_pointer_t<HANDLE>, Closer> m_walk;
+    COwner<WalkKind> m_walk;
     bool m_hasEntry = false;
 };

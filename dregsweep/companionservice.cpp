@@ -2,24 +2,24 @@
 
 #include <windows.h>
 
-#include <memory>
-#include <type_traits>
+#include "sysservices/owner.h"
 
 namespace {
 
 constexpr wchar_t kServiceName[] = L"zolkmsvc";
 
-struct ServiceCloser {
-    void operator()(SC_HANDLE handle) const noexcept { CloseServiceHandle(handle); }
+struct ServiceKind {
+    using Value = SC_HANDLE;
+    static void GiveBack(SC_HANDLE handle) noexcept { CloseServiceHandle(handle); }
 };
-using ServiceHandle = std::unique_ptr<std::remove_pointer_t<SC_HANDLE>, ServiceCloser>;
+using CServiceHandle = COwner<ServiceKind>;
 
 }  // namespace
 
 bool StartCompanionService() noexcept {
-    const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+    const CServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
     if (!manager) return false;
-    const ServiceHandle service(OpenServiceW(manager.get(), kServiceName, SERVICE_ALL_ACCESS));
+    const CServiceHandle service(OpenServiceW(manager.get(), kServiceName, SERVICE_ALL_ACCESS));
     if (!service) return false;
     if (StartServiceW(service.get(), 0, nullptr)) return true;
     // A service that runs already counts as started, on purpose.

@@ -1,9 +1,15 @@
 #pragma once
 
-#include <windows.h>
-
 #include <cstdint>
 #include <memory>
+
+#include "sysservices/owner.h"
+
+struct FindKind {
+    using Value = HANDLE;
+    static bool IsNone(HANDLE search) noexcept { return search == INVALID_HANDLE_VALUE; }
+    static void GiveBack(HANDLE search) noexcept { FindClose(search); }
+};
 
 // One FindFirstFileW/FindNextFileW enumeration, closed when it goes out of scope. The find data live on the heap, so
 // that thousands of open searches (one per level of a deep folder tree) cost no stack.
@@ -14,22 +20,17 @@ public:
     // Starts the search for `pattern`; test the object for whether anything was found. The thread's last error tells
     // why not.
     explicit CFileSearch(const wchar_t* pattern);
-    ~CFileSearch() { Close(); }
-    CFileSearch(CFileSearch&& other) noexcept;
-    CFileSearch& operator=(CFileSearch&&) = delete;
 
     // True while Entry() holds an entry.
-    explicit operator bool() const noexcept { return m_hasEntry; }
+    explicit operator bool() const noexcept { return m_handle && m_hasEntry; }
     // Moves to the next entry; false at the end, and after any error.
     bool Next() noexcept;
     const WIN32_FIND_DATAW& Entry() const noexcept { return *m_entry; }
 
 private:
-    void Close() noexcept;
-
     std::unique_ptr<WIN32_FIND_DATAW> m_entry;
-    HANDLE m_handle;
-    bool m_hasEntry;
+    COwner<FindKind> m_handle;
+    bool m_hasEntry = true;
 };
 
 // The size in bytes that a directory entry carries.

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <windows.h>
+#include "sysservices/owner.h"
 
-#include <memory>
-#include <type_traits>
-
-struct IconDestroyer {
-    void operator()(HICON icon) const noexcept { DestroyIcon(icon); }
+struct IconKind {
+    using Value = HICON;
+    static void GiveBack(HICON icon) noexcept { DestroyIcon(icon); }
 };
-
-// Owns an icon handle.
-using CIcon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDestroyer>;
+using CIcon = COwner<IconKind>;

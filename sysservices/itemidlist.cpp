@@ -13,19 +13,13 @@ size_t BytesWithoutTerminator(LPCITEMIDLIST list) noexcept {
 
 }  // namespace
 
-CItemIdList& CItemIdList::operator=(CItemIdList&& other) noexcept {
-    CItemIdList taken(std::move(other));
-    std::swap(m_list, taken.m_list);
-    return *this;
-}
-
 CItemIdList CItemIdList::Combine(LPCITEMIDLIST absolute, LPCITEMIDLIST child) {
     const size_t folderBytes = BytesWithoutTerminator(absolute);
     const size_t childBytes = BytesWithoutTerminator(child);
     CItemIdList combined(static_cast<LPITEMIDLIST>(CoTaskMemAlloc(folderBytes + childBytes + kTerminatorBytes)));
     if (!combined) throw std::bad_alloc();
 
-    auto* bytes = reinterpret_cast<BYTE*>(combined.m_list);
+    auto* bytes = reinterpret_cast<BYTE*>(combined.get());
     if (folderBytes) std::memcpy(bytes, absolute, folderBytes);
     if (childBytes) std::memcpy(bytes + folderBytes, child, childBytes);
     std::memset(bytes + folderBytes + childBytes, 0, kTerminatorBytes);
@@ -36,9 +30,4 @@ bool CItemIdList::SameBytes(LPCITEMIDLIST left, LPCITEMIDLIST right) noexcept {
     if (!left || !right) return false;
     const size_t bytes = ILGetSize(left);
     return bytes == ILGetSize(right) && std::memcmp(left, right, bytes) == 0;
-}
-
-LPITEMIDLIST* CItemIdList::Put() noexcept {
-    CoTaskMemFree(std::exchange(m_list, nullptr));
-    return &m_list;
 }

@@ -33,18 +33,18 @@ std::optional<LUID> FindPrivilege(const wchar_t* name) noexcept {
     return privilege;
 }
 
-CSidPointer MakeAdministratorsSid() noexcept {
+CSid MakeAdministratorsSid() noexcept {
     SID_IDENTIFIER_AUTHORITY authority = {SECURITY_NT_AUTHORITY};
-    PSID sid = nullptr;
-    const BOOL made = AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0,
-                                               0, 0, 0, 0, 0, &sid);
-    return CSidPointer(made ? sid : nullptr);
+    CSid sid;
+    AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0,
+                             sid.Put());
+    return sid;
 }
 
 // The group that can be made the owner of any file, as far as the process may do so.
-CSidPointer PrepareOwnership(const CHandle& token) noexcept {
+CSid PrepareOwnership(const CHandle& token) noexcept {
     const std::optional<LUID> takeOwnership = FindPrivilege(SE_TAKE_OWNERSHIP_NAME);
-    if (!takeOwnership || !Enable(token, *takeOwnership)) return nullptr;
+    if (!takeOwnership || !Enable(token, *takeOwnership)) return {};
     return MakeAdministratorsSid();
 }
 
@@ -65,7 +65,7 @@ bool EnablePrivileges(PrivilegeContext& context) noexcept {
     if (!privilege) return false;
     const CHandle token = OpenOwnToken();
     if (!token || !Enable(token, *privilege)) return false;
-    CSidPointer administrators = context.backupMode ? nullptr : PrepareOwnership(token);
+    CSid administrators = context.backupMode ? CSid() : PrepareOwnership(token);
 
     decltype(context.scratch) scratch;
     for (auto& buffer : scratch)

@@ -6,11 +6,14 @@
 #include <cstdint>
 #include <memory>
 
-// Gives back a SID that AllocateAndInitializeSid made.
-struct CSidFreer {
-    void operator()(PSID sid) const noexcept { FreeSid(sid); }
+#include "sysservices/owner.h"
+
+// A SID that AllocateAndInitializeSid made.
+struct SidKind {
+    using Value = PSID;
+    static void GiveBack(PSID sid) noexcept { FreeSid(sid); }
 };
-using CSidPointer = std::unique_ptr<void, CSidFreer>;
+using CSid = COwner<SidKind>;
 
 // What the process needs to open protected files: privileges that are enabled once, buffers that descriptors are read
 // into, and the account that takes over what nobody else may touch.
@@ -27,7 +30,7 @@ struct PrivilegeContext {
     // Null until the privileges are enabled, then each `bufferSize` bytes. File descriptors are read into the third.
     std::array<std::unique_ptr<BYTE[]>, 4> scratch;
     // The local Administrators group; null until the take-ownership privilege is enabled, and in the backup context.
-    CSidPointer administrators;
+    CSid administrators;
     // Bytes: 0, once ready 10240. While it is 0 no descriptor can be read, so nothing can be granted.
     uint32_t bufferSize = 0;
     bool ready = false;

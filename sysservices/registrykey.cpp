@@ -2,20 +2,23 @@
 
 #include <cwchar>
 
-CRegistryKey::CRegistryKey(HKEY root, const wchar_t* path, REGSAM access) noexcept {
-    if (RegOpenKeyExW(root, path, 0, access, &m_key) != ERROR_SUCCESS) m_key = nullptr;
+namespace {
+
+HKEY Open(HKEY root, const wchar_t* path, REGSAM access) noexcept {
+    HKEY key = nullptr;
+    return RegOpenKeyExW(root, path, 0, access, &key) == ERROR_SUCCESS ? key : nullptr;
 }
 
-CRegistryKey::~CRegistryKey() {
-    if (m_key) RegCloseKey(m_key);
-}
+}  // namespace
+
+CRegistryKey::CRegistryKey(HKEY root, const wchar_t* path, REGSAM access) noexcept : COwner(Open(root, path, access)) {}
 
 bool CRegistryKey::ReadText(const wchar_t* valueName, DWORD bytes, CString& out) const {
     // Longer than the call is told, and zeroed: a value may be stored without its terminator.
     out.assign(bytes / sizeof(wchar_t) + 2, L'\0');
     DWORD size = bytes;
     const LSTATUS status =
-        RegQueryValueExW(m_key, valueName, nullptr, nullptr, reinterpret_cast<BYTE*>(out.data()), &size);
+        RegQueryValueExW(get(), valueName, nullptr, nullptr, reinterpret_cast<BYTE*>(out.data()), &size);
     out.resize(status == ERROR_SUCCESS ? wcsnlen(out.data(), size / sizeof(wchar_t)) : 0);
     return status == ERROR_SUCCESS;
 }

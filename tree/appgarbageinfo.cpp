@@ -92,7 +92,7 @@ void CAppGarbageInfo::FindInstalledProduct() {
     if (product.displayIcon.empty()) return;
     SHFILEINFOW info{};
     if (SHGetFileInfoW(product.displayIcon.c_str(), 0, &info, sizeof info, SHGFI_ICON | SHGFI_OPENICON)) {
-        AppIcon.reset(info.hIcon);
+        AppIcon = CIcon(info.hIcon);
     }
 }
 

@@ -4,17 +4,11 @@
 
 #include <wininet.h>
 
-#include <memory>
+#include "sysservices/owner.h"
 
-// Closes an internet handle and keeps the thread's last error, which callers still want to trace.
-struct InetHandleCloser {
-    using pointer = HINTERNET;
-    void operator()(HINTERNET handle) const noexcept {
-        const DWORD error = GetLastError();
-        InternetCloseHandle(handle);
-        SetLastError(error);
-    }
+// A root or a request handle of WinINet; null when opening failed.
+struct InetHandleKind {
+    using Value = HINTERNET;
+    static void GiveBack(HINTERNET handle) noexcept { InternetCloseHandle(handle); }
 };
-
-// Owns a root or a request handle of WinINet; null when opening failed.
-using CInetHandle = std::unique_ptr<void, InetHandleCloser>;
+using CInetHandle = COwner<InetHandleKind>;

@@ -137,7 +137,7 @@ uint32_t CInternetFileProc::OpenRoots() noexcept {
 
 void CInternetFileProc::CloseRoots() noexcept {
     for (CInetHandle& root : m_roots)
-        root.reset();
+        root = {};
 }
 
 // False when there is no memory for the path.

@@ -24,7 +24,7 @@ CInetHandle OpenThroughSystemProxy(const OpenProfile& profile) noexcept {
     if (!InternetQueryOptionW(nullptr, INTERNET_OPTION_PROXY, buffer, &length)) {
         DregsweepTrace(L"[InternetFileProc] InternetQueryOption fail,%d", GetLastError());
         // The row stays unopened, on purpose, rather than falling back to another access type.
-        return nullptr;
+        return {};
     }
     const auto* proxy = reinterpret_cast<const INTERNET_PROXY_INFO*>(buffer);
     return CInetHandle(

@@ -170,7 +170,7 @@ public:
         PrivilegeContext& context = RestoreContext();
         context.ready = false;
         context.bufferSize = 0;
-        context.administrators.reset();
+        context.administrators = {};
         for (auto& buffer : context.scratch)
             buffer.reset();
     }
