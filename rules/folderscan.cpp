@@ -7,9 +7,8 @@ namespace {
 constexpr DWORD kDevice = FILE_ATTRIBUTE_DEVICE;
 constexpr DWORD kFolderOrDevice = FILE_ATTRIBUTE_DIRECTORY | kDevice;
 
-// Besides "." and ".." this passes over every two-character name that ends in a dot, on purpose.
+// Every two-character name that ends in a dot is passed over, on purpose.
 bool IsDotName(const wchar_t* name) noexcept {
-    if (name[0] == L'.' && name[1] == L'\0') return true;
     return name[0] != L'\0' && name[1] == L'.' && name[2] == L'\0';
 }
 
@@ -18,95 +17,75 @@ bool IsDotName(const wchar_t* name) noexcept {
 CFolderScan::CFolderScan(const FolderScanTarget& target, IFolderScanClient& client)
     : m_target(target),
       m_client(client),
-      m_everything(target.pattern == L"*"),
-      m_path(CString()) {}
+      m_everything(target.pattern == L"*") {}
 
 bool CFolderScan::ScanFolder(const CFoundPath& folder, bool withFiles) {
-    m_path = folder;
-    if (!Enter(withFiles)) return false;
-    while (!m_open.empty()) {
-        m_path.Return(m_open.back().place);
-        const bool goOn = m_open.back().search ? VisitEntry() : Leave();
+    CFolderWalk walk(folder);
+    if (!Enter(walk, withFiles)) return false;
+    while (walk.Next()) {
+        const bool goOn = walk.IsAtEntry() ? VisitEntry(walk) : Leave(walk.Path());
         if (!goOn) return false;
     }
     return true;
 }
 
-bool CFolderScan::Enter(bool withFiles) {
+bool CFolderScan::Enter(CFolderWalk& walk, bool withFiles) {
     // A folder that is not allowed is skipped and counts as scanned, on purpose.
-    if (!m_client.IsAllowed(m_path.Text(), withFiles)) return true;
-    if (!m_everything && !m_target.recurse) return !withFiles || CollectFiles();
-    CFileSearch search = OpenSearch();
-    m_open.push_back({std::move(search), m_path.Here(), withFiles});
+    if (!m_client.IsAllowed(walk.Path().Text(), withFiles)) return true;
+    if (!m_everything && !m_target.recurse) return !withFiles || CollectFiles(walk.Path());
+    walk.Enter(OpenSearch(walk));
+    m_withFiles.push_back(withFiles);
     return true;
 }
 
-bool CFolderScan::VisitEntry() {
-    OpenFolder& folder = m_open.back();
-    const WIN32_FIND_DATAW& entry = folder.search.Entry();
-    // Links are followed by patterned rules, but not in the pass over everything; this asymmetry is on purpose.
-    if (m_everything && (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-        folder.search.Next();
-        return true;
-    }
-    if (!(entry.dwFileAttributes & kFolderOrDevice)) {
-        const bool goOn = !m_everything || !folder.withFiles || CollectFile(entry);
-        if (goOn) folder.search.Next();
-        return goOn;
-    }
-    const Descent descent = ChooseDescent(entry);
-    folder.search.Next();
-    // With their files also below a folder whose own files are left out, on purpose.
-    return descent == Descent::Skip || Enter(descent == Descent::WithFiles);
-}
-
-bool CFolderScan::Leave() {
-    const bool withFiles = m_open.back().withFiles;
-    m_open.pop_back();
-    return m_everything || !withFiles || CollectFiles();
-}
-
-CFileSearch CFolderScan::Search(std::wstring_view pattern) {
-    const CFoundPath::Place folder = m_path.Here();
-    m_path.AppendWritten(pattern);
-    CFileSearch search(m_path.Exact().c_str());
-    m_path.Return(folder);
-    return search;
-}
-
 // Tried twice at most, the second time when the folder may be unlocked.
-CFileSearch CFolderScan::OpenSearch() {
-    CFileSearch search = Search(L"*");
+CFileSearch CFolderScan::OpenSearch(CFolderWalk& walk) {
+    CFileSearch search = walk.Search(L"*");
     if (search || !m_client.MayUnlock()) return search;
-    UnlockPath(m_path.Exact());
-    return Search(L"*");
+    UnlockPath(walk.Path().Exact());
+    return walk.Search(L"*");
 }
 
-CFolderScan::Descent CFolderScan::ChooseDescent(const WIN32_FIND_DATAW& entry) {
+bool CFolderScan::VisitEntry(CFolderWalk& walk) {
+    const DWORD attributes = walk.Entry().dwFileAttributes;
+    // Links are followed by patterned rules, but not in the pass over everything; this asymmetry is on purpose.
+    if (m_everything && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return true;
+    if (!(attributes & kFolderOrDevice)) return !m_everything || !m_withFiles.back() || CollectFile(walk);
+    const Descent descent = ChooseDescent(walk);
+    // With their files also below a folder whose own files are left out, on purpose.
+    return descent == Descent::Skip || Enter(walk, descent == Descent::WithFiles);
+}
+
+CFolderScan::Descent CFolderScan::ChooseDescent(const CFolderWalk& walk) const {
+    const WIN32_FIND_DATAW& entry = walk.Entry();
     if (entry.dwFileAttributes & kDevice) return Descent::Skip;
     if (IsDotName(entry.cFileName) || !m_target.recurse) return Descent::Skip;
-    m_path.AppendReturned(entry.cFileName);
     if (m_target.excludedPaths.empty()) return Descent::WithFiles;
     const ExcludePathEntry* exclusion =
-        FindExcludePath(m_target.excludedPaths, m_path.Text(), ToLower(entry.cFileName));
+        FindExcludePath(m_target.excludedPaths, walk.Path().Text(), ToLower(entry.cFileName));
     if (!exclusion) return Descent::WithFiles;
     return exclusion->iteration ? Descent::WithoutFiles : Descent::Skip;
 }
 
+bool CFolderScan::Leave(const CFoundPath& folder) {
+    const bool withFiles = m_withFiles.back();
+    m_withFiles.pop_back();
+    return m_everything || !withFiles || CollectFiles(folder);
+}
+
 // A folder that cannot be listed here is not tried again, on purpose.
-bool CFolderScan::CollectFiles() {
-    const CFoundPath::Place folder = m_path.Here();
-    for (CFileSearch search = Search(m_target.pattern); search; search.Next()) {
-        if (search.Entry().dwFileAttributes & kFolderOrDevice) continue;
-        if (!CollectFile(search.Entry())) return false;
-        m_path.Return(folder);
+bool CFolderScan::CollectFiles(const CFoundPath& folder) {
+    CFolderWalk files(folder);
+    for (files.Enter(files.Search(m_target.pattern)); files.Next() && files.IsAtEntry();) {
+        if (files.Entry().dwFileAttributes & kFolderOrDevice) continue;
+        if (!CollectFile(files)) return false;
     }
     return true;
 }
 
-bool CFolderScan::CollectFile(const WIN32_FIND_DATAW& entry) {
-    if (!m_target.excludedNames.empty() && m_target.excludedNames.contains(std::wstring_view(entry.cFileName)))
-        return true;
-    m_path.AppendReturned(entry.cFileName);
-    return m_client.Found(m_path, EntrySize(entry));
+bool CFolderScan::CollectFile(const CFolderWalk& walk) {
+    const WIN32_FIND_DATAW& entry = walk.Entry();
+    const bool isExcluded =
+        !m_target.excludedNames.empty() && m_target.excludedNames.contains(std::wstring_view(entry.cFileName));
+    return isExcluded || m_client.Found(walk.Path(), EntrySize(entry));
 }

@@ -7,8 +7,7 @@
 
 #include "rules/containment.h"
 #include "rules/excludepath.h"
-#include "sysservices/filesearch.h"
-#include "sysservices/foundpath.h"
+#include "sysservices/folderwalk.h"
 
 // What the scan of a folder looks for. Borrows from its rule.
 struct FolderScanTarget {
@@ -34,8 +33,6 @@ protected:
 
 // Walks a folder, and what is below it if the target says so, leaves out what is excluded, and reports every file that
 // the pattern matches. Only directory entries are read, never a file.
-//
-// Folders may nest as deep as paths allow: one path serves all levels, and the open searches live on the heap.
 class CFolderScan {
 public:
     CFolderScan(const FolderScanTarget& target, IFolderScanClient& client);
@@ -45,27 +42,19 @@ public:
     [[nodiscard]] bool ScanFolder(const CFoundPath& folder, bool withFiles);
 
 private:
-    struct OpenFolder {
-        CFileSearch search;
-        CFoundPath::Place place;
-        bool withFiles;
-    };
     enum class Descent { Skip, WithFiles, WithoutFiles };
 
-    // m_path holds the folder in hand, or the entry in hand below it.
-    [[nodiscard]] bool Enter(bool withFiles);
-    [[nodiscard]] bool VisitEntry();
-    [[nodiscard]] bool Leave();
-    CFileSearch OpenSearch();
-    CFileSearch Search(std::wstring_view pattern);
-    Descent ChooseDescent(const WIN32_FIND_DATAW& entry);
-    [[nodiscard]] bool CollectFiles();
-    [[nodiscard]] bool CollectFile(const WIN32_FIND_DATAW& entry);
+    [[nodiscard]] bool Enter(CFolderWalk& walk, bool withFiles);
+    [[nodiscard]] bool VisitEntry(CFolderWalk& walk);
+    [[nodiscard]] bool Leave(const CFoundPath& folder);
+    CFileSearch OpenSearch(CFolderWalk& walk);
+    Descent ChooseDescent(const CFolderWalk& walk) const;
+    [[nodiscard]] bool CollectFiles(const CFoundPath& folder);
+    [[nodiscard]] bool CollectFile(const CFolderWalk& walk);
 
     const FolderScanTarget m_target;
     IFolderScanClient& m_client;
     // One pass over everything, instead of one for the folders and one with the pattern.
     const bool m_everything;
-    CFoundPath m_path;
-    std::vector<OpenFolder> m_open;
+    std::vector<bool> m_withFiles;  // of each open folder
 };

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "sysservices/filesearch.h"
+#include "sysservices/folderwalk.h"
 
 namespace {
 
@@ -15,14 +15,11 @@ bool IsLoopFolder(const WIN32_FIND_DATAW& entry) noexcept {
 using Folders = std::vector<CFoundPath>;
 
 void ExpandStep(const CFoundPath& folder, const LoopStep& step, Folders& matches) {
-    CFoundPath pattern = folder;
-    pattern.AppendWritten(step.path);
-    for (CFileSearch search(pattern.Exact().c_str()); search; search.Next()) {
-        if (!IsLoopFolder(search.Entry())) continue;
-        CFoundPath match = folder;
-        match.AppendReturned(search.Entry().cFileName);
+    CFolderWalk walk(folder);
+    for (walk.Enter(walk.Search(step.path)); walk.Next();) {
+        if (!walk.IsAtEntry() || !IsLoopFolder(walk.Entry())) continue;
+        CFoundPath& match = matches.emplace_back(walk.Path());
         if (!step.addPath.empty()) match.AppendWritten(step.addPath);
-        matches.push_back(std::move(match));
     }
 }
 
@@ -33,38 +30,15 @@ bool IsTerminal(const TerminalSearch& terminals, const wchar_t* name) {
     });
 }
 
-// Walks everything below `start`, depth first; a match is not descended into. The stack of open searches lives on the
-// heap: folders may nest as deep as paths allow.
+// A match is not descended into.
 void FindTerminals(const CFoundPath& start, const TerminalSearch& terminals, Folders& matches) {
-    struct OpenFolder {
-        CFileSearch search;
-        CFoundPath::Place place;
-    };
-    CFoundPath path = start;
-    std::vector<OpenFolder> open;
-    const auto enter = [&] {
-        const CFoundPath::Place place = path.Here();
-        path.AppendWritten(L"*");
-        open.push_back({CFileSearch(path.Exact().c_str()), place});
-    };
-
-    enter();
-    while (!open.empty()) {
-        OpenFolder& folder = open.back();
-        if (!folder.search) {
-            open.pop_back();
-            continue;
-        }
-        path.Return(folder.place);
-        const bool isFolder = IsLoopFolder(folder.search.Entry());
-        if (isFolder) path.AppendReturned(folder.search.Entry().cFileName);
-        const bool isTerminal = isFolder && IsTerminal(terminals, folder.search.Entry().cFileName);
-        folder.search.Next();
-        if (isTerminal) {
-            matches.push_back(path);
-        } else if (isFolder) {
-            enter();
-        }
+    CFolderWalk walk(start);
+    for (walk.Enter(); walk.Next();) {
+        if (!walk.IsAtEntry() || !IsLoopFolder(walk.Entry())) continue;
+        if (IsTerminal(terminals, walk.Entry().cFileName))
+            matches.push_back(walk.Path());
+        else
+            walk.Enter();
     }
 }
 

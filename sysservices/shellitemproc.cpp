@@ -1,11 +1,6 @@
 #include "sysservices/shellitemproc.h"
 
-#include <string_view>
-#include <utility>
-#include <vector>
-
-#include "sysservices/filesearch.h"
-#include "sysservices/foundpath.h"
+#include "sysservices/folderwalk.h"
 
 namespace {
 
@@ -20,10 +15,6 @@ bool IsFolder(const WIN32_FIND_DATAW& entry) noexcept {
 // Links are never entered, on purpose: a junction would lead a walk out of its folder or round in a circle.
 bool MayEnter(const WIN32_FIND_DATAW& entry) noexcept {
     return IsFolder(entry) && !(entry.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
-}
-
-bool IsSelfOrParent(std::wstring_view name) noexcept {
-    return name == L"." || name == L"..";
 }
 
 // Empty when the item has no file-system path. A path that is empty counts as none: walked, it would be the root of
@@ -48,76 +39,6 @@ bool ForEachItem(const CReference<IShellFolder2>& folder, SHCONTF flags, Visit v
     }
     return goOn;
 }
-
-// The file-system walk. The open folders stand in a list of their own, not on the stack, and share one path: a path of
-// 32,000 characters can be 16,000 folders deep.
-class CFolderWalk {
-public:
-    CFolderWalk(const CString& path, CShellItemProc::FileCallback onFile, CShellItemProc::FolderCallback onFolder,
-                void* context, bool recurse)
-        : m_path(path),
-          m_onFile(onFile),
-          m_onFolder(onFolder),
-          m_context(context),
-          m_recurse(recurse) {}
-
-    bool Run() {
-        Enter(m_path.Here());
-        while (!m_levels.empty()) {
-            if (!m_goOn || !m_levels.back().search)
-                Leave();
-            else if (!Visit(m_levels.back().search.Entry()))
-                m_levels.back().search.Next();
-        }
-        return m_goOn;
-    }
-
-private:
-    struct Level {
-        CFoundPath::Place outer;  // of m_path, in the folder above
-        CFileSearch search;
-    };
-
-    // Lists the folder that m_path names now.
-    void Enter(CFoundPath::Place outer) {
-        const CFoundPath::Place folder = m_path.Here();
-        m_path.AppendWritten(L"*");
-        m_levels.push_back({outer, CFileSearch(m_path.Exact().c_str())});
-        m_path.Return(folder);
-    }
-
-    void Leave() {
-        // The folder-done notice, also for a folder that could not be listed; its answer is ignored on purpose.
-        m_onFolder(m_path.Text().c_str(), L"", nullptr, m_context);
-        m_path.Return(m_levels.back().outer);
-        m_levels.pop_back();
-        if (m_goOn && !m_levels.empty()) m_levels.back().search.Next();
-    }
-
-    // True when the entry is a folder that was entered.
-    bool Visit(const WIN32_FIND_DATAW& entry) {
-        const bool isFolder = IsFolder(entry);
-        if (isFolder && (!m_recurse || !MayEnter(entry) || IsSelfOrParent(entry.cFileName))) return false;
-
-        const CFoundPath::Place folder = m_path.Here();
-        m_path.AppendReturned(entry.cFileName);
-        if (isFolder && m_onFolder(m_path.Text().c_str(), entry.cFileName, &entry, m_context)) {
-            Enter(folder);
-            return true;
-        }
-        if (!isFolder) m_goOn = m_onFile(0, m_path.Text().c_str(), entry, m_context);
-        m_path.Return(folder);
-        return false;
-    }
-
-    CFoundPath m_path;  // of the innermost open folder
-    std::vector<Level> m_levels;
-    CShellItemProc::FileCallback m_onFile;
-    CShellItemProc::FolderCallback m_onFolder;
-    void* m_context;
-    bool m_recurse;
-    bool m_goOn = true;
-};
 
 }  // namespace
 
@@ -176,7 +97,19 @@ bool CShellItemProc::EmptyRecycleBin() const noexcept {
 bool CShellItemProc::WalkFolder(const CString& path, FileCallback onFile, FolderCallback onFolder, void* context,
                                 bool recurse) {
     if (!onFile || !onFolder) return true;
-    return CFolderWalk(path, onFile, onFolder, context, recurse).Run();
+    CFolderWalk walk{CFoundPath(path)};
+    bool goOn = true;
+    // Stopped, only the outstanding folders are left.
+    for (walk.Enter(); goOn ? walk.Next() : walk.Leave();) {
+        const wchar_t* const at = walk.Path().Text().c_str();
+        if (!walk.IsAtEntry())
+            onFolder(at, L"", nullptr, context);  // the notice that the folder is done
+        else if (!IsFolder(walk.Entry()))
+            goOn = onFile(0, at, walk.Entry(), context);
+        else if (recurse && MayEnter(walk.Entry()) && onFolder(at, walk.Entry().cFileName, &walk.Entry(), context))
+            walk.Enter();
+    }
+    return goOn;
 }
 
 bool CShellItemProc::OfferFolder(const CString& path, const wchar_t* name, const WIN32_FIND_DATAW* findData,
