@@ -60,10 +60,11 @@ public:
     // Reads the rule file (XML) and the localised names (XML, see ChangeResID). Paths are null-terminated UTF-16 of any
     // length; the pointers are not kept. `selector` may be null; it is called during Init only.
     // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing, empty, no
-    // XML, of 2 GB or more or nested deeper than 256 elements, on purpose: look at GetFirstCategory. Returns 0 and does nothing when it is ready already or a path is null.
-    // Returns kDregsweepConfigFailed when the file has no element, its root has no child element, a category fails to
-    // load or memory runs out: the engine is not ready, and the categories before the failing one stay in its list,
-    // ahead of those of a later Init. Returns the companion library's code when that refuses to start.
+    // XML, of 2 GB or more or nested deeper than 256 elements, on purpose: look at GetFirstCategory. Returns 0 and does
+    // nothing when it is ready already or a path is null. Returns kDregsweepConfigFailed when the file has no element,
+    // its root has no child element, a category fails to load or memory runs out: the engine is not ready, and the
+    // categories before the failing one stay in its list, ahead of those of a later Init. Returns the companion
+    // library's code when that refuses to start.
     virtual uint64_t Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) = 0;
     // Lets go of all categories; a further Init may follow. The allowed paths stay. Always 0.
     virtual uint64_t Uninit() = 0;

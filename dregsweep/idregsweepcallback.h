@@ -11,10 +11,9 @@
 // From here the host may, on this same thread, read totals and records, enumerate, toggle, start a nested run, or even
 // call Uninit or Release: nothing dangles. But each node has one enumeration cursor, which the run uses too:
 // enumerating a node that the run is walking, or toggling it or one of its children, ends the walk of that node early.
-// A nested gather or clean ends the scan of the interrupted rule, and the rest of the outer run then counts on top of it:
-// answer false afterwards. After Uninit, also with an Init behind it, the run finds and deletes nothing more, sends no
-// further notification and answers true. Never wait here for another thread that calls
-// the engine.
+// A nested gather or clean ends the scan of the interrupted rule, and the rest of the outer run then counts on top of
+// it: answer false afterwards. After Uninit, also with an Init behind it, the run finds and deletes nothing more, sends
+// no further notification and answers true. Never wait here for another thread that calls the engine.
 //
 // A node's pointer travels as a 64-bit value and is borrowed for the call.
 class IDregsweepCallback {

@@ -11,12 +11,10 @@ bool IsSelfOrParent(std::wstring_view name) noexcept {
 
 }  // namespace
 
-CFileSearch CFolderWalk::Search(std::wstring_view pattern) {
-    const CFoundPath::Place folder = m_path.Here();
-    m_path.AppendWritten(pattern);
-    CFileSearch search(m_path.Exact().c_str());
-    m_path.Return(folder);
-    return search;
+CFileSearch CFolderWalk::Search(std::wstring_view pattern) const {
+    CFoundPath path = m_path;
+    path.AppendWritten(pattern);
+    return CFileSearch(path.Exact().c_str());
 }
 
 void CFolderWalk::Enter(CFileSearch search) {

@@ -25,7 +25,7 @@ public:
     bool IsAtEntry() const noexcept { return m_isAtEntry; }
 
     // A search in the folder that Path names.
-    CFileSearch Search(std::wstring_view pattern);
+    CFileSearch Search(std::wstring_view pattern) const;
     // Goes below Path, to what the search finds there; one that found nothing makes an empty folder.
     void Enter(CFileSearch search);
     void Enter() { Enter(Search(L"*")); }

@@ -23,7 +23,8 @@ public:
     void AppendReturned(std::wstring_view name);
     void AppendWritten(std::wstring_view names);
 
-    // To go back to a folder after its entries.
+    // To go back to a folder after the returned names below it. What was written cannot be taken back like that: its
+    // ".." takes away from the path.
     struct Place {
         size_t text;
         size_t literal;

@@ -55,13 +55,17 @@ CString FullPath(const CString& path) {
 }
 
 CString LiteralPath(const CString& path) {
-    if (path.starts_with(kLiteral)) return path;
+    // The other form is the kernel's own.
+    if (path.starts_with(kLiteral) || path.starts_with(L"\\??\\")) return path;
     const CString full = FullPath(path);
+    if (full.starts_with(kLiteral)) return full;  // written with "/"
     if (full.starts_with(L"\\\\.\\")) return CString(kLiteral) + full.substr(4);
     return full.starts_with(L"\\\\") ? CString(kLiteralShare) + full.substr(2) : CString(kLiteral) + full;
 }
 
 void AppendWritten(CString& literal, std::wstring_view written) {
+    while (literal.ends_with(L'\\'))
+        literal.pop_back();
     CString names;
     for (size_t climbs = ReadBelowFolder(written, names); climbs > 0; --climbs)
         CutLastName(literal);

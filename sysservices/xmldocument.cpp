@@ -27,7 +27,7 @@ std::string ReadBytes(const CString& path) {
     const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
     LARGE_INTEGER size = {};
     // TinyXML keeps lengths in a long.
-    if (!file || !GetFileSizeEx(file.get(), &size) || size.QuadPart >= LONG_MAX) return {};
+    if (!file || !GetFileSizeEx(file.get(), &size) || size.QuadPart <= 0 || size.QuadPart >= LONG_MAX) return {};
     std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
     DWORD read = 0;
     if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) return {};

@@ -57,7 +57,7 @@ TEST_F(RuleTest, DeletesTheFoundFileAndNotTheOneThatWindowsTakesItFor) {
     const auto literal = [&](const CString& name) { return L"\\\\?\\" + m_folder / name; };
     const CString folders = L"dir|dir.|dir\\sub.|dir\\sub|dir\\sub.\\in|dir\\sub\\in|lo |lo|lo \\in|lo\\in";
     const CString files =
-        L"trail|trail.|trail |dir\\a|dir\\b.|dir.\\a|dir\\sub.\\s|dir\\sub\\s|dir\\sub.\\in\\s|"
+        L"y.log|trail|trail.|trail |dir\\a|dir\\b.|dir.\\a|dir\\sub.\\s|dir\\sub\\s|dir\\sub.\\in\\s|"
         L"dir\\sub\\in\\s|lo \\in\\x.log|lo\\in\\x.log|lo \\y.log|lo\\y.log";
     const std::string base = "FolderEnvDir='DSW_BASE' ", folder = base + "IsFolder='1' ";
     const std::string loop = folder + "LoopPath='1' Filter='*.log. ' ";
@@ -77,7 +77,11 @@ TEST_F(RuleTest, DeletesTheFoundFileAndNotTheOneThatWindowsTakesItFor) {
          L"dir\\a|dir\\b.|dir\\sub\\s|dir\\sub\\in\\s"},
         {"Path='dir' IsFolder='1' Filter='b?'", "", L"dir\\b."},  // of the current folder
         {loop, "<LoopPath Path='lo?' AddPath='no/.././/in'/>", L"lo \\in\\x.log"},
-        {loop, "<LoopPath Path='lo?' AddPath='..\\lo'/>", L"lo\\y.log"},
+        {loop, "<LoopPath Path='lo?' AddPath='..\\lo/'/>", L"lo\\y.log"},
+        {folder + "LoopPath='1'", "<LoopPath Path='lo?' AddPath='./in/'/>", L"lo \\in\\x.log"},
+        // Found in the folder above, listed and deleted below each folder.
+        {folder + "Filter='..\\y.log' Iteration='1' ExcludePath='1'",
+         "<ExcludePath Path='dir'/><ExcludePath Path='in'/>", L"lo \\y.log|lo\\y.log"},
         {loop, "<LoopPath Path='lo?'/><LoopPath Path='*'/>", L"lo \\in\\x.log"},
         {folder + "LoopPath='1' Path='dir/.'", "<LoopPath Path='sub?'/><LoopPath TerminalPath='in'/>",
          L"dir\\sub.\\in\\s"},
