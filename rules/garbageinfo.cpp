@@ -3,34 +3,28 @@
 #include <shlobj.h>
 #include <tinyxml.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "cleaners/emptyprocregistry.h"
 #include "rules/folderscan.h"
 #include "rules/location.h"
 #include "rules/registryrule.h"
-#include "rules/systemversion.h"
+#include "rules/ruleelement.h"
 #include "sysservices/appinfomanager.h"
 #include "sysservices/fileaccess.h"
 #include "sysservices/filesearch.h"
 #include "sysservices/nothrow.h"
 #include "sysservices/reference.h"
 #include "sysservices/trace.h"
-#include "sysservices/xmlattribute.h"
 #include "tree/gathercheckprocimpl.h"
 #include "tree/gatherprocimpl.h"
 #include "tree/igarbagecatagory.h"
 
 namespace {
 
-constexpr std::wstring_view kListSeparator = L"|";
-
-// Without regard to case, unlike the elements of the levels above, on purpose.
-bool IsChildNamed(const TiXmlElement& child, const char* name) {
-    return _stricmp(child.Value(), name) == 0;
-}
-
-void AppendLowerCased(std::list<CString>& list, const CString& text) {
-    for (const CString& token : Split(text, kListSeparator))
-        list.push_back(ToLower(token));
+void MoveBehind(std::vector<CString>& texts, std::list<CString>& list) {
+    std::move(texts.begin(), texts.end(), std::back_inserter(list));
 }
 
 }  // namespace
@@ -48,59 +42,43 @@ CGarbageInfo::~CGarbageInfo() {
 
 bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
     LoadSelState(element);
-    IsRegistry = ReadInteger(*element, "Registry", 0) == 1;
-    if (!IsRegistry) return LoadFileRule(*element);
-    // A registry rule reads no attribute of a file rule and always loads, on purpose.
-    LoadRegistryRule(*element);
+    RuleElement rule(*element);
+    IsRegistry = rule.isRegistry;
+    Iteration = rule.iteration;
+    Path = std::move(rule.path);
+    Filter = std::move(rule.filter);
+    m_rootKey = rule.rootKey;
+    if (!IsRegistry) return LoadFileRule(*element, rule);
+    // A registry rule always loads: one that names no key does nothing when it is cleaned.
+    DelKey() = rule.deleteKey;
+    MoveBehind(rule.valueNames, ValueNames());
     return true;
 }
 
-bool CGarbageInfo::LoadFileRule(const TiXmlElement& element) {
-    // A flag needs exactly 1, but for "IsFolder" and "UseShellBrowse", which any other number sets too, on purpose.
-    const bool hasPath = ReadText(element, "Path", Path);
-    const int32_t getByReg = ReadInteger(element, "GetByReg", 0);
-    // Empty when anything is missing: beside a base folder that then means the whole base folder, on purpose.
-    if (getByReg == 1) Path = PathFromRegistry(element, Path);
-    // Without an attribute of its own the value of "GetByReg" is taken over, on purpose, be it 1 or 2.
-    IsFolder = ReadInteger(element, "IsFolder", getByReg) != 0;
-    Iteration = ReadInteger(element, "Iteration", 0) == 1;
-    FolderIndex = ReadInteger(element, "FolderIndex", -1);
-    if (IsWow64()) ReadText(element, "FolderX86EnvDir", FolderEnvDir);
-    if (FolderEnvDir.empty()) ReadText(element, "FolderEnvDir", FolderEnvDir);
-    Filter = L"*";
-    ReadText(element, "Filter", Filter);
-    CString excludeFilter;
-    ReadText(element, "ExcludeFilter", excludeFilter);
-    // As written, while the other lists are lower-cased, on purpose.
-    for (CString& token : Split(excludeFilter, kListSeparator))
-        ExcludeFilters.insert(std::move(token));
-    CString emptyProc;
-    if (ReadText(element, "EmptyProc", emptyProc) && !emptyProc.empty()) CreateEmptyProc(emptyProc);
-    LoopPath = ReadInteger(element, "LoopPath", 0) == 1;
-    ExcludePath = ReadInteger(element, "ExcludePath", 0) == 1;
-    SelfExclude = ReadInteger(element, "SelfExclude", 0) == 1;
-    UseShellBrowse = ReadInteger(element, "UseShellBrowse", 0) != 0;
+bool CGarbageInfo::LoadFileRule(const TiXmlElement& element, RuleElement& rule) {
+    // Empty when anything is missing: beside a base folder that then means the whole base folder.
+    if (rule.getByReg) Path = PathFromRegistry(rule.rootKey, Path, rule.value);
+    IsFolder = rule.isFolder;
+    FolderIndex = rule.folderIndex;
+    FolderEnvDir = std::move(rule.folderVariable);
+    // One by one and in their order: a set that is no strict order depends on it.
+    for (CString& name : rule.excludedNames)
+        ExcludeFilters.insert(std::move(name));
+    if (!rule.emptyProc.empty()) CreateEmptyProc(rule.emptyProc);
+    LoopPath = rule.loopPath;
+    ExcludePath = rule.excludePath;
+    SelfExclude = rule.selfExclude;
+    UseShellBrowse = rule.useShellBrowse;
 
-    // Without a base folder the rule loads if "Path" is there at all, and its children are never read, on purpose.
-    if (FolderIndex == -1 && FolderEnvDir.empty()) return hasPath;
+    // Without a base folder the rule loads if "Path" is there at all, and its children are never read.
+    if (FolderIndex == -1 && FolderEnvDir.empty()) return rule.hasPath;
     return ResolveLocation(element);
 }
 
 void CGarbageInfo::CreateEmptyProc(const CString& name) {
     m_emptyProc = EmptyProcRegistry::CreateByName(name);
-    // An unknown name costs the rule its cleaner, not its load, on purpose.
+    // An unknown name costs the rule its cleaner, not its load.
     if (!m_emptyProc) DregsweepTrace(L"[Dregsweep] EmptyProc fail %s", name.c_str());
-}
-
-void CGarbageInfo::LoadRegistryRule(const TiXmlElement& element) {
-    m_rootKey = RootKeyByName(element.Attribute("RootKey"));
-    ReadText(element, "KeyPath", Path);
-    ReadText(element, "Filter", Filter);
-    Iteration = ReadInteger(element, "Iteration", 0) == 1;
-    DelKey() = ReadInteger(element, "DelKey", 0) == 1;
-    CString values;
-    ReadText(element, "Value", values);
-    AppendLowerCased(ValueNames(), values);
 }
 
 bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
@@ -111,23 +89,35 @@ bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
         OpenVirtualFolder();
     }
     if (base.empty() && !m_shellItem) return false;
-    // Whether the folder is there or not, on purpose: only the scan finds out.
+    // Whether the folder is there or not: only the scan finds out.
     if (m_category) m_category->SetAppPresent(true);
-    // A virtual folder leaves the path as it was and reads no children, on purpose.
+    // A virtual folder leaves the path as it was and reads no children.
     if (m_shellItem) return true;
 
-    // Without a path of its own the rule means the bare folder, with no "\\" added, on purpose.
+    // Without a path of its own the rule means the bare folder, with no "\\" added.
     if (!Path.empty() && base.back() != L'\\') base += L'\\';
     Path = base + Path;
-    // The shell browser reads neither kind of children, and loads also when the path cannot be parsed, on purpose: the
-    // scan then takes it for a plain folder or file.
+    // The shell browser reads neither kind of children, and loads also when the path cannot be parsed: the scan then
+    // takes it for a plain folder or file.
     if (UseShellBrowse) {
         OpenShellBrowser();
-        return true;
+    } else if (LoopPath || ExcludePath) {
+        LoadChildren(RuleChildren(element));
     }
-    if (LoopPath) LoadLoopPaths(element);
-    if (ExcludePath) LoadExcludePaths(element);
     return true;
+}
+
+void CGarbageInfo::LoadChildren(RuleChildren children) {
+    if (LoopPath) {
+        for (auto& step : children.steps)
+            m_loopSteps.push_back(std::move(step.child));
+        for (auto& terminal : children.terminals)
+            MoveBehind(terminal.child, TerminalPaths);
+        ExactMatch = children.exactMatch;
+    }
+    if (!ExcludePath) return;
+    for (auto& exclusion : children.exclusions)
+        m_excludePaths.push_back(std::move(exclusion.child));
 }
 
 void CGarbageInfo::OpenVirtualFolder() {
@@ -154,36 +144,6 @@ void CGarbageInfo::OpenShellItem(CItemIdList folder, bool wholeItemMode) {
     if (SUCCEEDED(result)) return;
     m_shellItem.reset();
     m_shellFolder = {};
-}
-
-void CGarbageInfo::LoadLoopPaths(const TiXmlElement& element) {
-    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        if (IsChildNamed(*child, "LoopPath")) LoadLoopPath(*child);
-    }
-}
-
-void CGarbageInfo::LoadLoopPath(const TiXmlElement& child) {
-    CString terminals;
-    if (ReadText(child, "TerminalPath", terminals)) {
-        AppendLowerCased(TerminalPaths, terminals);
-        // The last such child decides for all of them, on purpose.
-        ExactMatch = ReadInteger(child, "ExactMatch", 0) == 1;
-        return;
-    }
-    LoopStep step;
-    if (!ReadText(child, "Path", step.path)) return;
-    ReadText(child, "AddPath", step.addPath);
-    m_loopSteps.push_back(std::move(step));
-}
-
-void CGarbageInfo::LoadExcludePaths(const TiXmlElement& element) {
-    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        CString path;
-        if (!IsChildNamed(*child, "ExcludePath") || !ReadText(*child, "Path", path)) continue;
-        m_excludePaths.push_back({.path = ToLower(path),
-                                  .exactMatch = ReadInteger(*child, "ExactMatch", 0) == 1,
-                                  .iteration = ReadInteger(*child, "Iteration", 0) == 1});
-    }
 }
 
 // Three attributes only, and the resolved path beside the folder index, on purpose: a saved tree is for display.

@@ -21,6 +21,8 @@
 
 class CGarbageCatagory;
 class IGarbageCatagory;
+struct RuleChildren;
+struct RuleElement;
 
 // What a rule looks for. It never leaves the module, so it is not packed.
 struct _DSW_Garbage_Info_ {
@@ -63,16 +65,13 @@ public:
 private:
     class CScan;
 
-    bool LoadFileRule(const TiXmlElement& element);
-    void LoadRegistryRule(const TiXmlElement& element);
+    bool LoadFileRule(const TiXmlElement& element, RuleElement& rule);
     void CreateEmptyProc(const CString& name);
     bool ResolveLocation(const TiXmlElement& element);
     void OpenVirtualFolder();
     void OpenShellBrowser();
     void OpenShellItem(CItemIdList folder, bool wholeItemMode);
-    void LoadLoopPaths(const TiXmlElement& element);
-    void LoadLoopPath(const TiXmlElement& child);
-    void LoadExcludePaths(const TiXmlElement& element);
+    void LoadChildren(RuleChildren children);
 
     bool Scan();
     void ScanFolders(CScan& scan);

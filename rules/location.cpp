@@ -1,10 +1,7 @@
 #include "rules/location.h"
 
-#include <windows.h>
 #include <shlobj.h>
-#include <tinyxml.h>
 
-#include "rules/registryrule.h"
 #include "sysservices/registrykey.h"
 
 namespace {
@@ -28,9 +25,7 @@ bool FolderOfIndex(int32_t index, CString& folder) {
     return found;
 }
 
-CString PathFromRegistry(const TiXmlElement& element, const CString& keyPath) {
-    const HKEY root = RootKeyByName(element.Attribute("RootKey"));
-    const CString valueName = Utf8ToWide(element.Attribute("Value"));
+CString PathFromRegistry(HKEY root, const CString& keyPath, const CString& valueName) {
     if (!root || valueName.empty()) return {};
     const CRegistryKey key(root, keyPath.c_str(), KEY_READ);
     if (!key) return {};

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 
 #include "sysservices/text.h"
-
-class TiXmlElement;
 
 // Where a rule looks: the parts of its location that differ between machines.
 
@@ -14,7 +14,7 @@ class TiXmlElement;
 bool FolderOfVariable(const CString& name, CString& folder);
 bool FolderOfIndex(int32_t index, CString& folder);
 
-// The location of a rule that is kept in a registry value: the text of the value that the element's "RootKey" and
-// "Value" attributes name, under the key `keyPath`. Empty when anything of that is missing, on purpose. The value's
-// type is not looked at and nothing in it is expanded, on purpose.
-CString PathFromRegistry(const TiXmlElement& element, const CString& keyPath);
+// The location of a rule that is kept in a registry value: the text of the value of that name under root\keyPath. Empty
+// when anything of that is missing, a null root or an empty name included. The value's type is not looked at and nothing
+// in it is expanded.
+CString PathFromRegistry(HKEY root, const CString& keyPath, const CString& valueName);
