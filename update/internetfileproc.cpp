@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <new>
-#include <vector>
 
 #include "sysservices/trace.h"
 #include "update/configversion.h"
@@ -32,60 +31,6 @@ constexpr DownloadOperation kStreamOperation = {kStreamNotReady, kStreamFailed, 
 uint32_t Fail(const wchar_t* format, const wchar_t* url, uint32_t result) noexcept {
     DregsweepTrace(format, url ? url : L"", result);
     return result;
-}
-
-// A file that a list names. The paths are made before the first download, so that replacing needs no memory: once an
-// old file is deleted, its copy is moved.
-struct RuleFile {
-    CString name;
-    CString path;
-    CString copyPath;
-};
-
-std::vector<RuleFile> ReadRuleFiles(const CString& listPath, const CString& folder) {
-    std::vector<RuleFile> files;
-    for (const CString& name : ReadRuleFileList(listPath)) {
-        const CString path = JoinPath(folder, name);
-        files.push_back({name, path, path + L"_bak"});
-    }
-    return files;
-}
-
-uint32_t DownloadCopy(IInternetFileProc& update, const CString& baseUrl, const RuleFile& file) {
-    const CString url = baseUrl + file.name;
-    // The server chose the name: one that leaves the folder is neither asked for nor written.
-    if (!IsSafeRuleFileName(file.name)) return Fail(kFileOperation.failTrace, url.c_str(), kFileFailed);
-    return update.GetFileFromURL(url.c_str(), file.copyPath.c_str());
-}
-
-uint32_t DownloadCopies(IInternetFileProc& update, const CString& baseUrl, const std::vector<RuleFile>& files) {
-    for (const RuleFile& file : files) {
-        if (const uint32_t result = DownloadCopy(update, baseUrl, file)) return result;
-    }
-    return kSuccess;
-}
-
-// The old file is gone when its copy cannot take the name; nothing is restored, on purpose. A name that is listed twice
-// loses its file this way, on purpose: the second time there is no copy left to move.
-uint32_t ReplaceFile(const RuleFile& file) noexcept {
-    DeleteFileW(file.path.c_str());
-    if (MoveFileW(file.copyPath.c_str(), file.path.c_str())) return kSuccess;
-    DregsweepTrace(L"[InternetFileProc] Rename file in GetFileListFromURL fail,%s,%d", file.name.c_str(),
-                   GetLastError());
-    return kListRenameFailed;
-}
-
-uint32_t ReplaceFiles(const std::vector<RuleFile>& files) noexcept {
-    for (const RuleFile& file : files) {
-        if (const uint32_t result = ReplaceFile(file)) return result;
-    }
-    return kSuccess;
-}
-
-// Never deletes a copy, on purpose: it is entered after a failure only, and goes on only while there is none.
-void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept {
-    for (auto file = files.begin(); file != files.end() && result == kSuccess; ++file)
-        DeleteFileW(file->copyPath.c_str());
 }
 
 // WinINet's own threads go on when all handles are closed: its code must stay when a host unloads the engine, which may
@@ -202,26 +147,11 @@ uint32_t CInternetFileProc::GetStreamFileInfo(const wchar_t* url, StreamText* te
 uint32_t CInternetFileProc::GetFileListFromURL(const wchar_t* listUrl, const wchar_t* destFolder) noexcept {
     uint32_t result = kListNotReady;
     try {
-        if (m_initialised && listUrl && destFolder) result = ReplaceFileList(listUrl, destFolder);
+        if (m_initialised && listUrl && destFolder) result = ReplaceRuleFiles(*this, listUrl, destFolder);
     } catch (...) {
         result = kFileFailed;  // out of memory
     }
     return result == kSuccess ? result : Fail(L"[InternetFileProc] GetFileListFromURL fail,%s,0x%x", listUrl, result);
-}
-
-uint32_t CInternetFileProc::ReplaceFileList(const CString& listUrl, const CString& folder) {
-    const size_t slash = listUrl.rfind(L'/');
-    // The code of the uninitialised object, on purpose.
-    if (slash == CString::npos) return kListNotReady;
-    const CString baseUrl = listUrl.substr(0, slash + 1);
-    const CString listPath = JoinPath(folder, listUrl.substr(slash + 1));
-    if (const uint32_t result = GetFileFromURL(listUrl.c_str(), listPath.c_str())) return result;
-
-    const std::vector<RuleFile> files = ReadRuleFiles(listPath, folder);
-    uint32_t result = DownloadCopies(*this, baseUrl, files);
-    if (result == kSuccess) result = ReplaceFiles(files);
-    if (result != kSuccess) RemoveCopies(files, result);
-    return result;
 }
 
 namespace {

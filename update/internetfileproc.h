@@ -25,7 +25,6 @@ private:
     uint32_t OpenRoots() noexcept;
     void CloseRoots() noexcept;
     bool LoadVersion() noexcept;
-    uint32_t ReplaceFileList(const CString& listUrl, const CString& folder);
 
     bool m_initialised = false;
     // Ten, of which the table of ways of access lets four be looked at and fills three, on purpose.

@@ -4,8 +4,12 @@
 #include <string>
 
 #include "sysservices/handle.h"
+#include "sysservices/trace.h"
+#include "update/iinternetfileproc.h"
 
 namespace {
+
+using namespace InternetFileResult;
 
 constexpr LONGLONG kListSizeLimit = 20480;
 
@@ -27,6 +31,63 @@ bool IsParentComponent(std::wstring_view component) {
     return component.starts_with(L"..") && component.find_first_not_of(L". ") == std::wstring_view::npos;
 }
 
+// A file that a list names. The paths are made before the first download, so that replacing needs no memory: once an
+// old file is deleted, its copy is moved.
+struct RuleFile {
+    CString name;
+    CString path;
+    CString copyPath;
+};
+
+std::vector<RuleFile> ReadRuleFiles(const CString& listPath, const CString& folder) {
+    std::vector<RuleFile> files;
+    for (const CString& name : ReadRuleFileList(listPath)) {
+        const CString path = JoinPath(folder, name);
+        files.push_back({name, path, path + L"_bak"});
+    }
+    return files;
+}
+
+uint32_t DownloadCopy(IInternetFileProc& update, const CString& baseUrl, const RuleFile& file) {
+    const CString url = baseUrl + file.name;
+    // The server chose the name: one that leaves the folder is neither asked for nor written.
+    if (!IsSafeRuleFileName(file.name)) {
+        DregsweepTrace(L"[InternetFileProc] GetFileFromURL fail,%s,0x%x", url.c_str(), kFileFailed);
+        return kFileFailed;
+    }
+    return update.GetFileFromURL(url.c_str(), file.copyPath.c_str());
+}
+
+uint32_t DownloadCopies(IInternetFileProc& update, const CString& baseUrl, const std::vector<RuleFile>& files) {
+    for (const RuleFile& file : files) {
+        if (const uint32_t result = DownloadCopy(update, baseUrl, file)) return result;
+    }
+    return kSuccess;
+}
+
+// The old file is gone when its copy cannot take the name; nothing is restored, on purpose. A name that is listed twice
+// loses its file this way, on purpose: the second time there is no copy left to move.
+uint32_t ReplaceFile(const RuleFile& file) noexcept {
+    DeleteFileW(file.path.c_str());
+    if (MoveFileW(file.copyPath.c_str(), file.path.c_str())) return kSuccess;
+    DregsweepTrace(L"[InternetFileProc] Rename file in GetFileListFromURL fail,%s,%d", file.name.c_str(),
+                   GetLastError());
+    return kListRenameFailed;
+}
+
+uint32_t ReplaceFiles(const std::vector<RuleFile>& files) noexcept {
+    for (const RuleFile& file : files) {
+        if (const uint32_t result = ReplaceFile(file)) return result;
+    }
+    return kSuccess;
+}
+
+// Never deletes a copy, on purpose: it is entered after a failure only, and goes on only while there is none.
+void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept {
+    for (auto file = files.begin(); file != files.end() && result == kSuccess; ++file)
+        DeleteFileW(file->copyPath.c_str());
+}
+
 }  // namespace
 
 std::vector<CString> ReadRuleFileList(const CString& path) {
@@ -42,4 +103,19 @@ bool IsSafeRuleFileName(std::wstring_view name) {
     if (name.empty() || name[0] == L'\\' || name[0] == L'/') return false;
     if (name.find(L':') != std::wstring_view::npos) return false;
     return std::ranges::none_of(Split(name, L"\\/"), IsParentComponent);
+}
+
+uint32_t ReplaceRuleFiles(IInternetFileProc& update, const CString& listUrl, const CString& folder) {
+    const size_t slash = listUrl.rfind(L'/');
+    // The code of the uninitialised object: hosts cannot tell the two apart.
+    if (slash == CString::npos) return kListNotReady;
+    const CString baseUrl = listUrl.substr(0, slash + 1);
+    const CString listPath = JoinPath(folder, listUrl.substr(slash + 1));
+    if (const uint32_t result = update.GetFileFromURL(listUrl.c_str(), listPath.c_str())) return result;
+
+    const std::vector<RuleFile> files = ReadRuleFiles(listPath, folder);
+    uint32_t result = DownloadCopies(update, baseUrl, files);
+    if (result == kSuccess) result = ReplaceFiles(files);
+    if (result != kSuccess) RemoveCopies(files, result);
+    return result;
 }
