@@ -15,6 +15,6 @@ bool FolderOfVariable(const CString& name, CString& folder);
 bool FolderOfIndex(int32_t index, CString& folder);
 
 // The location of a rule that is kept in a registry value: the text of the value of that name under root\keyPath. Empty
-// when anything of that is missing, a null root or an empty name included. The value's type is not looked at and nothing
-// in it is expanded.
+// when anything of that is missing, a null root or an empty name included. The value's type is not looked at and
+// nothing in it is expanded.
 CString PathFromRegistry(HKEY root, const CString& keyPath, const CString& valueName);

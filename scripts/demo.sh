@@ -206,7 +206,8 @@ run_job() {
     run_dsw clean --yes --items
     snapshot after
     check_cleaned
-    exec {HOLDER[1]}>&-
+    held=${HOLDER[1]}
+    exec {held}>&-
     wait "$holder" || true
 
     echo

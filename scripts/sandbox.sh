@@ -40,7 +40,7 @@ make_template() {
     cp -al "$work/small/drive_c" "$work/big/drive_c"
     find "$work/big" \( -type l -o -type f \( ! -size +16k -o -name '*.ini' \) \) -delete
     find "$work/small/drive_c" -type f -size +16k ! -name '*.ini' -delete
-    rm -rf "$work/home"
+    rm -rf "${work:?}/home"
     mv "$work" "$template"
 }
 

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# setup.sh: installs what is missing to build and test, and unpacks TinyXML into build/deps/. Safe to run again.
+# setup.sh [PACKAGE...]: installs what is missing to build and test, and the packages named, and unpacks TinyXML into
+# build/deps/. Safe to run again.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(wine wine64 g++-mingw-w64-x86-64-posix cmake ninja-build ccache googletest dpkg-dev patch libcli11-dev
-    nlohmann-json3-dev bsdutils libxml2-utils)
+    nlohmann-json3-dev bsdutils libxml2-utils clang-format shellcheck "$@")
 deps=build/deps
 
 as_root() {

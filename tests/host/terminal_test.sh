@@ -6,7 +6,8 @@ set -euo pipefail
 dsw=$1
 work=$(mktemp -d "$DSW_SANDBOX/terminal.XXXXXX")
 junk=$WINEPREFIX/drive_c/$(basename "$work")
-export DSW_TEST="C:\\$(basename "$work")" TERM=xterm
+DSW_TEST="C:\\$(basename "$work")"
+export DSW_TEST TERM=xterm
 mkdir "$junk"
 echo junk >"$junk/file"
 cat >"$junk/rules.xml" <<'XML'
