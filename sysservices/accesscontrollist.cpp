@@ -8,7 +8,8 @@ namespace {
 
 constexpr DWORD kUserNameChars = 260;
 constexpr DWORD kDomainNameChars = 520;
-// Added entries claim to be inherited although they stand on the object itself; kept so on purpose.
+// Added entries claim to be inherited although they stand on the object itself: the next inheritance from the folder
+// above may drop them.
 constexpr DWORD kAllowFlags = OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE | INHERITED_ACE;
 
 PACL AsAcl(const std::unique_ptr<BYTE[]>& bytes) noexcept {
@@ -80,7 +81,7 @@ PACL CAccessControlList::GetAcl() {
 }
 
 std::unique_ptr<BYTE[]> CAccessControlList::Build() const {
-    // Without an old ACL nothing is added for the header, so the last entries may not fit; kept so on purpose.
+    // The header is counted among the old ACL's bytes: without one the last entries may not fit.
     ACL_SIZE_INFORMATION old = {};
     if (m_oldAcl && !GetAclInformation(m_oldAcl, &old, sizeof old, AclSizeInformation)) return nullptr;
     const DWORD size = m_size + old.AclBytesInUse;
@@ -88,21 +89,21 @@ std::unique_ptr<BYTE[]> CAccessControlList::Build() const {
     auto bytes = std::make_unique<BYTE[]>(size);
     ACL* const acl = AsAcl(bytes);
     if (!InitializeAcl(acl, size, ACL_REVISION_DS)) return nullptr;
-    // Old entries first, even allow entries before added deny entries: deliberately not the canonical order.
+    // Not the canonical order: the old entries decide first, so what they deny stays denied.
     CopyOldEntries(acl, old.AceCount);
     AppendEntries(acl, CAccessEntry::Kind::Deny);
     AppendEntries(acl, CAccessEntry::Kind::Allow);
     return bytes;
 }
 
-// Here and in AppendEntries an entry that cannot be added is passed over on purpose: the others still count.
+// Here and in AppendEntries an entry that cannot be added is passed over; the others still count.
 void CAccessControlList::CopyOldEntries(PACL acl, DWORD count) const noexcept {
     for (DWORD i = 0; i < count; ++i) {
         void* entry = nullptr;
         if (!GetAce(m_oldAcl, i, &entry)) continue;
         const auto* header = static_cast<const ACE_HEADER*>(entry);
         if (m_skipOldDeny && header->AceType == ACCESS_DENIED_ACE_TYPE) continue;
-        // Revision 2 into an ACL of revision 4 on purpose: the ACL keeps the higher one.
+        // The ACL keeps its own revision, 4, which is the higher.
         AddAce(acl, ACL_REVISION, MAXDWORD, entry, header->AceSize);
     }
 }

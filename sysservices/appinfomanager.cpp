@@ -15,7 +15,7 @@ using CInstalledApps = std::map<CString, CInstalledApp>;
 // The system spells it "Uninstall"; key names compare without case.
 constexpr wchar_t kUninstallPath[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\UnInstall";
 
-// Bytes on purpose: a name of 130 characters or more does not fit with its terminator, and its program is not listed.
+// Bytes: a name of 130 characters or more does not fit with its terminator, and its program is not listed.
 constexpr DWORD kValueBytes = 260;
 
 constexpr DWORD kNameChars = 260;
@@ -34,7 +34,7 @@ CString HostFolder() {
     return ToLower(file.substr(0, file.rfind(L'\\')));
 }
 
-// "file,index" becomes "file". A text that begins with a comma is kept whole, on purpose.
+// "file,index" becomes "file". A text that begins with a comma is kept whole.
 void CutIconIndex(CString& icon) {
     const size_t comma = icon.find(L',');
     if (comma != 0 && comma != CString::npos) icon.resize(comma);
@@ -45,11 +45,11 @@ void ReadEntry(HKEY root, const CString& keyPath, REGSAM view, CInstalledApps& a
     CInstalledApp app;
     if (!key || !key.ReadText(L"DisplayName", kValueBytes, app.displayName)) return;
     app.displayName = ToLower(app.displayName);
-    // The first view that lists a name wins, on purpose.
+    // Who is read first keeps the name: the machine's entries before the user's.
     if (apps.contains(app.displayName)) return;
 
     app.keyPath = keyPath;
-    // Unchecked on purpose: missing or too long leaves them empty.
+    // Missing or too long leaves them empty.
     key.ReadText(L"DisplayVersion", kValueBytes, app.displayVersion);
     key.ReadText(L"DisplayIcon", kValueBytes, app.displayIcon);
     CutIconIndex(app.displayIcon);
@@ -123,7 +123,8 @@ bool CAppInfoManager::Find(std::wstring_view displayName, CInstalledApp& out) no
     return false;
 }
 
-// A substring, on purpose, not a prefix. Another spelling of the folder (doubled separators, short names) is not seen.
+// Anywhere in the path, not as whole names: for "C:\Host" also "\\?\C:\Host" and "C:\Hostile" are protected. Another
+// spelling of the folder (doubled separators, short names) is not seen.
 bool CAppInfoManager::IsInHostFolder(std::wstring_view path) const noexcept {
     // Lower-casing keeps the length.
     if (m_hostFolder.empty() || path.size() < m_hostFolder.size()) return false;

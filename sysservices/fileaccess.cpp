@@ -13,7 +13,7 @@ bool GrantFullAccess(const PrivilegeContext& context, const CString& path) noexc
     if (!oldAcl) return false;
     CAccessControlList list(oldAcl, /*addCurrentUser=*/true, /*skipOldDeny=*/false);
     if (!list.AddWellKnownSid(Security_Proc::kFullAccess)) return false;
-    // A list that could not be built is written as a null DACL on purpose: the item is to be opened and deleted.
+    // A list that could not be built is written as a null DACL, which opens the item all the same: to everyone.
     return file.SetDacl(list.GetAcl());
 } catch (...) {
     return false;
@@ -29,6 +29,6 @@ bool TakeOwnership(const PrivilegeContext& context, const CString& path) noexcep
 
 bool UnlockPath(const CString& path) noexcept {
     const PrivilegeContext& context = RestoreContext();
-    // The old descriptor is deliberately not restored: the item is about to be deleted.
+    // Nobody puts the old descriptor back: a folder that was only listed keeps full access for everyone.
     return GrantFullAccess(context, path) || (TakeOwnership(context, path) && GrantFullAccess(context, path));
 }

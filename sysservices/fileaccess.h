@@ -3,7 +3,7 @@
 #include "sysservices/privilegecontext.h"
 #include "sysservices/text.h"
 
-// Opens up files and folders whose access-control list refuses the user, before they are deleted.
+// Opens up files that are to be deleted, and folders that are to be listed, whose access-control list refuses the user.
 //
 // Nothing can be granted or taken before EnablePrivileges has made the context ready. Nothing throws; running out of
 // memory is a failed operation. One thread at a time: see PrivilegeContext.
@@ -18,6 +18,6 @@
 [[nodiscard]] bool TakeOwnership(const PrivilegeContext& context, const CString& path) noexcept;
 
 // With the restore context: grants full access; when that fails, takes ownership and, if that works, grants once more.
-// Answers whether a grant worked; callers simply try again what was refused. The old descriptor is not put back, on
-// purpose, also when the second try fails.
+// Answers whether a grant worked; callers simply try again what was refused. The old descriptor is not put back: a
+// folder, and a file that still cannot be deleted, keep full access for everyone.
 bool UnlockPath(const CString& path) noexcept;

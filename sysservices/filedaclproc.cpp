@@ -14,7 +14,7 @@ void CFileDaclProc::Read(bool backupContext) {
     const PrivilegeContext& context = backupContext ? BackupContext() : RestoreContext();
     BYTE* const buffer = context.scratch[2].get();
     DWORD needed = 0;
-    // Before EnablePrivileges the buffer has no size and this fails: meant, nothing is granted without privileges.
+    // Before EnablePrivileges the buffer has no size and this fails: nothing is granted without privileges.
     if (!GetFileSecurityW(m_path.c_str(), DACL_SECURITY_INFORMATION, buffer, context.bufferSize, &needed)) return;
     const DWORD size = std::min<DWORD>(needed, context.bufferSize);
     m_descriptor = std::make_unique<BYTE[]>(size);
@@ -29,7 +29,7 @@ bool CFileDaclProc::SetDacl(PACL acl) noexcept {
 }
 
 bool CFileDaclProc::SetOwner(PSID sid, bool groupToo) noexcept {
-    // Both on purpose: the owner is marked as defaulted, and `groupToo` names the group although there is none here.
+    // With `groupToo` the call is told to write the group, of which the descriptor has none, and not the owner.
     const SECURITY_INFORMATION which = groupToo ? GROUP_SECURITY_INFORMATION : OWNER_SECURITY_INFORMATION;
     SECURITY_DESCRIPTOR descriptor;
     return InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION)

@@ -5,7 +5,7 @@
 // A path that a walk puts together: a location that somebody wrote, then names that searches return, and what else was
 // written for the folders found.
 //
-// The names that searches return are meant exactly: Windows would take a folder or file "a." for its neighbour "a".
+// The names that searches return are exact: Windows would take a folder or file "a." for its neighbour "a".
 // From the first name downwards that ends in a dot or blank the path has a second, literal form, which alone names what
 // was found; before that its text does, read as Windows reads every written path.
 class CFoundPath {

@@ -4,8 +4,8 @@
 
 // The literal form of a path, "\\?\C:\folder\name", which Windows takes as it stands. Any other path it reads its own
 // way: it follows "." and "..", takes "/" for "\", joins doubled separators, drops one dot at the end of each folder's
-// name and all dots and blanks at the end of the path. What a rule file or the environment wrote is meant to be read
-// like that; a name that a search returned is not.
+// name and all dots and blanks at the end of the path. What a rule file or the environment wrote is read like that; a
+// name that a search returned must not be.
 
 // The absolute path as Windows reads `path`, which is not empty. Throws std::runtime_error when the system refuses.
 CString FullPath(const CString& path);

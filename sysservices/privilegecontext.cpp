@@ -23,7 +23,7 @@ CHandle OpenOwnToken() noexcept {
 
 bool Enable(const CHandle& token, const LUID& privilege) noexcept {
     TOKEN_PRIVILEGES wanted = {1, {{privilege, SE_PRIVILEGE_ENABLED}}};
-    // The call's own result only, on purpose: a privilege that was not assigned counts as enabled.
+    // True also when the token lacks the privilege, which then counts as enabled.
     return AdjustTokenPrivileges(token.get(), FALSE, &wanted, 0, nullptr, nullptr) != FALSE;
 }
 

@@ -2,8 +2,7 @@
 
 namespace {
 
-// Item-ID list, display name, type name, attributes and system icon index. The value is meant although it holds the
-// bit for an icon handle (0x100) and not the one for the icon's location (0x1000).
+// Names the item by its list; asks for icon handle, display name, type name, attributes and system icon index.
 constexpr UINT kWhatToTell = 0x4F08;
 
 }  // namespace

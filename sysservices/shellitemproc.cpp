@@ -12,7 +12,7 @@ bool IsFolder(const WIN32_FIND_DATAW& entry) noexcept {
     return (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0;
 }
 
-// Links are never entered, on purpose: a junction would lead a walk out of its folder or round in a circle.
+// Links are never entered: a junction would lead a walk out of its folder or round in a circle.
 bool MayEnter(const WIN32_FIND_DATAW& entry) noexcept {
     return IsFolder(entry) && !(entry.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
 }
@@ -48,7 +48,6 @@ CShellItemProc::CShellItemProc(LPCITEMIDLIST pidl, bool wholeItemMode, HRESULT& 
     CReference<IShellFolder> desktop;
     result = SHGetDesktopFolder(desktop.Put());
     if (SUCCEEDED(result)) result = desktop->BindToObject(pidl, nullptr, IID_IShellFolder2, m_folder.PutVoid());
-    // Whether bound or not, on purpose.
     m_info.Load(pidl);
 }
 
@@ -70,13 +69,12 @@ bool CShellItemProc::InvokeDelete(LPCITEMIDLIST childPidl) const noexcept {
     m_folder->GetUIObjectOf(nullptr, 1, &childPidl, IID_IContextMenu, nullptr, menu.PutVoid());
     if (!menu) return false;
 
-    // No flag suppresses the shell's own confirmation, on purpose.
+    // Without CMIC_MASK_FLAG_NO_UI the shell may ask the user; the run waits for the answer.
     CMINVOKECOMMANDINFO command = {};
     command.cbSize = sizeof command;
     command.hwnd = GetDesktopWindow();
     command.lpVerb = "Delete";
     command.nShow = SW_SHOWNORMAL;
-    // S_FALSE is a success too, on purpose.
     return SUCCEEDED(menu->InvokeCommand(&command));
 }
 
@@ -88,7 +86,7 @@ bool CShellItemProc::EmptyRecycleBin() const noexcept {
     if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, bin.Put()))) return false;
     if (!CItemIdList::SameBytes(m_pidl, bin.get())) return false;
 
-    // The bins of all drives, and the result not looked at, on purpose.
+    // Without a root the bins of all drives. The result does not tell: the call fails on bins that are empty already.
     constexpr DWORD kSilently = SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND;
     (void)SHEmptyRecycleBinW(nullptr, /*root=*/nullptr, kSilently);
     return true;
@@ -119,12 +117,10 @@ bool CShellItemProc::OfferFolder(const CString& path, const wchar_t* name, const
 }
 
 bool CShellItemProc::WalkLevel(const Callbacks& callbacks, int depth) const {
-    // Not bound, even a folder that has a path is not walked, on purpose.
     if (!m_folder || !callbacks.onFile || !callbacks.onFolder) return true;
 
     CString path = FileSystemPath(m_pidl);
     if (!path.empty()) {
-        // A real folder is never listed through the shell, on purpose.
         if (path.back() == L'\\') path.pop_back();
         return OfferFolder(path, path.c_str(), nullptr, callbacks);
     }
@@ -143,13 +139,13 @@ bool CShellItemProc::WalkItem(LPCITEMIDLIST child, const Callbacks& callbacks, i
 
 bool CShellItemProc::WalkFileItem(const CString& path, const Callbacks& callbacks) const {
     const CFileSearch search(path.c_str());
-    // An item that cannot be read is skipped, a drive's root among them, on purpose.
+    // What cannot be read is skipped; drives too, since no search finds the root of one.
     if (!search) return true;
     const WIN32_FIND_DATAW& entry = search.Entry();
-    // In whole-item mode everything is handed out as it is, directories and links too, on purpose.
+    // Directories and links too, each as one item.
     if (m_wholeItemMode) return callbacks.onFile(0, path.c_str(), entry, callbacks.context);
     if (MayEnter(entry)) return OfferFolder(path, entry.cFileName, &entry, callbacks);
-    // Plain files of a virtual folder are passed over, on purpose.
+    // Plain files of a virtual folder are passed over.
     return true;
 }
 
