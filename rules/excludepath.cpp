@@ -20,7 +20,7 @@ bool EqualIgnoringCase(std::wstring_view text, std::wstring_view lower) {
 bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::wstring_view lowerName) {
     if (!entry.exactMatch) return lowerName.find(entry.path) != std::wstring_view::npos;
     if (folderPath.size() < entry.path.size()) return false;
-    // The tail may begin inside a name, on purpose: "emp" matches "C:\Temp".
+    // The tail may begin inside a name: "emp" matches "C:\Temp".
     return EqualIgnoringCase(folderPath.substr(folderPath.size() - entry.path.size()), entry.path);
 }
 

@@ -7,7 +7,7 @@ namespace {
 constexpr DWORD kDevice = FILE_ATTRIBUTE_DEVICE;
 constexpr DWORD kFolderOrDevice = FILE_ATTRIBUTE_DIRECTORY | kDevice;
 
-// Every two-character name that ends in a dot is passed over, on purpose.
+// Takes every two-character name that ends in a dot for "..": a folder "a." is not scanned.
 bool IsDotName(const wchar_t* name) noexcept {
     return name[0] != L'\0' && name[1] == L'.' && name[2] == L'\0';
 }
@@ -30,7 +30,7 @@ bool CFolderScan::ScanFolder(const CFoundPath& folder, bool withFiles) {
 }
 
 bool CFolderScan::Enter(CFolderWalk& walk, bool withFiles) {
-    // A folder that is not allowed is skipped and counts as scanned, on purpose.
+    // Counts as scanned: the rest of the walk goes on.
     if (!m_client.IsAllowed(walk.Path().Text(), withFiles)) return true;
     if (!m_everything && !m_target.recurse) return !withFiles || CollectFiles(walk.Path());
     walk.Enter(OpenSearch(walk));
@@ -48,11 +48,11 @@ CFileSearch CFolderScan::OpenSearch(CFolderWalk& walk) {
 
 bool CFolderScan::VisitEntry(CFolderWalk& walk) {
     const DWORD attributes = walk.Entry().dwFileAttributes;
-    // Links are followed by patterned rules, but not in the pass over everything; this asymmetry is on purpose.
+    // A patterned rule follows links, even out of its folder. With "*" they are passed over, links to files too.
     if (m_everything && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return true;
     if (!(attributes & kFolderOrDevice)) return !m_everything || !m_withFiles.back() || CollectFile(walk);
     const Descent descent = ChooseDescent(walk);
-    // With their files also below a folder whose own files are left out, on purpose.
+    // An exclusion with Iteration keeps the files of one folder; those below are collected again.
     return descent == Descent::Skip || Enter(walk, descent == Descent::WithFiles);
 }
 
@@ -73,7 +73,7 @@ bool CFolderScan::Leave(const CFoundPath& folder) {
     return m_everything || !withFiles || CollectFiles(folder);
 }
 
-// A folder that cannot be listed here is not tried again, on purpose.
+// Unlocks nothing: without Iteration a patterned rule finds nothing in a folder that refuses.
 bool CFolderScan::CollectFiles(const CFoundPath& folder) {
     CFolderWalk files(folder);
     for (files.Enter(files.Search(m_target.pattern)); files.Next() && files.IsAtEntry();) {

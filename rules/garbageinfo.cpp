@@ -146,7 +146,8 @@ void CGarbageInfo::OpenShellItem(CItemIdList folder, bool wholeItemMode) {
     m_shellFolder = {};
 }
 
-// Three attributes only, and the resolved path beside the folder index, on purpose: a saved tree is for display.
+// For display only: loaded again, the rule would have lost its filter and exclusions, and a path with a folder index
+// would be put behind the folder twice.
 bool CGarbageInfo::SaveXml(TiXmlElement* parentElement) {
     TiXmlElement* element = parentElement->LinkEndChild(new TiXmlElement("GarbageInfo"))->ToElement();
     element->SetAttribute("Path", WideToUtf8(Path).c_str());
@@ -174,7 +175,7 @@ public:
             if (m_generation != m_rule.m_generation) return false;  // the shell may let messages in
             m_rule.m_found.Append(path, size, std::move(itemId));
         }
-        // An item without a text is listed, to be deleted, but not reported, on purpose.
+        // The host never hears of an item without a text, which a clean deletes all the same.
         if (path.Text().empty()) return true;
         m_stopped = !m_rule.ReportFound(path.Text(), &size, m_rule.CategoryValue());
         return !m_stopped && m_generation == m_rule.m_generation;
@@ -212,15 +213,14 @@ void CGarbageInfo::ScanFolders(CScan& scan) {
         (void)folders.ScanFolder(CFoundPath(Path), !SelfExclude);
         return;
     }
-    // Terminal paths without loop steps find nothing, and SelfExclude has no say over the folders of a loop, on
-    // purpose.
+    // Terminal paths without loop steps find nothing, and SelfExclude has no say over the folders of a loop.
     if (m_loopSteps.empty()) return;
     for (const CFoundPath& folder : ExpandLoop(Path, m_loopSteps, {TerminalPaths, ExactMatch})) {
         if (!folders.ScanFolder(folder, /*withFiles=*/true)) return;
     }
 }
 
-// One match only, listed under the rule's path with its wildcards, on purpose. Such an item cannot be deleted.
+// One match only, listed under the rule's path with its wildcards. Such an item cannot be deleted.
 void CGarbageInfo::ScanFile(CScan& scan) {
     const CFileSearch search(Path.c_str());
     if (search) scan.Found(CFoundPath(Path), EntrySize(search.Entry()));
@@ -282,10 +282,10 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
 bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
     return NoThrow(true, [&] {
         if (m_released) return true;
-        // First of all and its answer not used, on purpose: what was found is deleted all the same.
+        // What was found is deleted whatever it answers.
         if (m_emptyProc) m_emptyProc->Run(a, b, c);
         if (IsRegistry) {
-            // Nothing is reported, on purpose.
+            // The host is not told what a registry rule removes.
             CleanRegistry({.root = m_rootKey,
                            .keyPath = Path,
                            .subKeyFilter = Filter,
@@ -305,8 +305,8 @@ bool CGarbageInfo::CleanFound() {
     CString path, exactPath;  // outlive a list that the host's notification empties
     bool goOn = true;
     for (auto item = m_found.begin(); goOn && item != m_found.end();) {
-        // The host's own files are never deleted: they stay listed and are not reported, on purpose. Without a manager
-        // any file may be one of them.
+        // The host's own files are never deleted: they stay listed and are not reported. Without a manager any file may
+        // be one of them.
         if (!apps || apps->IsInHostFolder(item->Path())) {
             ++item;
             continue;
@@ -318,7 +318,7 @@ bool CGarbageInfo::CleanFound() {
         const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(exactPath);
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
-        // Removed after the report, whatever became of it and also when the host stops here, on purpose.
+        // Deleted or not: the next clean does not try it again, while the size of what is left stays in the totals.
         item = m_found.Erase(item);
         generation = ++m_generation;
     }
@@ -327,7 +327,7 @@ bool CGarbageInfo::CleanFound() {
 
 // One report for everything, the rule's total as its size.
 bool CGarbageInfo::EmptyShellFolder() {
-    // A folder other than the bin is left alone, and says so; for the bin it is true whatever happened, on purpose.
+    // False for a folder other than the bin, which is left alone; true for a bin even if it could not be emptied.
     const bool emptied = m_shellItem->EmptyRecycleBin();
     const uint64_t size = GetTotalSize();  // a copy: on its way up the size must not change under the levels
     const CLockGuard guard(m_lock);
@@ -340,17 +340,17 @@ bool CGarbageInfo::EmptyShellFolder() {
     return goOn;
 }
 
-// Folders are never removed and no attribute is cleared, on purpose.
+// Emptied folders remain. No attribute is cleared, so the system may refuse a read-only file.
 bool CGarbageInfo::DeleteFoundFile(const CString& path) {
     if (DeleteFileW(path.c_str())) return true;
-    // A file in use is not tried again, on purpose.
+    // No right opens a file that is in use.
     if (GetLastError() == ERROR_SHARING_VIOLATION) return false;
     return RetryDelete(path);
 }
 
 bool CGarbageInfo::RetryDelete(const CString& path) {
     if (!QueryUpgradeMode()) return false;
-    // Its answer is not used, on purpose: the second try tells.
+    // The second try tells whether it helped.
     UnlockPath(path);
     return DeleteFileW(path.c_str()) != FALSE;
 }

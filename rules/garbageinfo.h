@@ -94,9 +94,9 @@ private:
     uint32_t m_generation = 0;
     bool m_released = false;
 
-    // The rest of what the rule file says. Two members serve both kinds of rule, on purpose.
+    // The rest of what the rule file says. Two members serve both kinds of rule.
     ContainmentSet ExcludeFilters;
-    ContainmentSet m_secondFilters;  // only ever emptied, on purpose
+    ContainmentSet m_secondFilters;  // only ever emptied
     std::list<LoopStep> m_loopSteps;
     std::list<CString> TerminalPaths;
     std::list<CString>& ValueNames() noexcept { return TerminalPaths; }

@@ -28,37 +28,36 @@ public:
     virtual uint32_t GetTotalCount() noexcept { return TotalCount; }
     // Items found and still to be cleaned.
     virtual uint32_t GetPendingCount() noexcept { return PendingCount; }
-    // Forgets what is pending; the totals stay as they are, on purpose.
+    // Forgets what is pending; the totals stay as they are.
     virtual void ResetPending() noexcept {
         PendingSize = 0;
         PendingCount = 0;
     }
     // Told of a selection change of the node: whether anything is selected, the new state, null, and true. A hook that
-    // does nothing, on purpose; it keeps its place in the table.
+    // does nothing; it keeps its place in the table.
     virtual void OnSelection(bool /*selected*/, uint32_t /*state*/, void* /*reserved*/, bool /*alwaysTrue*/) noexcept {}
 
     // The engine's own operations on the counters. Hosts do not call these.
 
-    // Zeroes sizes and counts; the stage stays, and the levels above keep theirs, on purpose.
+    // Zeroes sizes and counts; the stage stays, and the levels above keep theirs.
     void ZeroVolume() noexcept {
         TotalSize = PendingSize = 0;
         TotalCount = PendingCount = 0;
     }
-    // Both sizes grow by the same value, on purpose.
     void AddFound(uint64_t size) noexcept {
         TotalCount += 1;
         TotalSize += size;
         PendingSize += size;
         PendingCount += 1;
     }
-    // Never goes below zero, on purpose: a removal may exceed what was found.
+    // Never goes below zero: a removal may exceed what was found.
     void TakeEmptied(uint64_t size, uint32_t count) noexcept {
         TotalSize -= size < TotalSize ? size : TotalSize;
         PendingSize -= size < PendingSize ? size : PendingSize;
         TotalCount -= count < TotalCount ? count : TotalCount;
         PendingCount -= count < PendingCount ? count : PendingCount;
     }
-    // Wraps below zero and leaves the counts alone, on purpose, unlike TakeEmptied.
+    // Wraps below zero and leaves the counts alone, unlike TakeEmptied.
     void SubtractSize(uint64_t size) noexcept {
         TotalSize -= size;
         PendingSize -= size;

@@ -28,12 +28,12 @@ public:
     };
 
     // Hands the items that the last gather found, and no clean has processed since, to the visitor, in the order of
-    // discovery. Items without a text are left out, on purpose. The rule's lock is held meanwhile: from another thread
-    // it waits until a running clean is done with this rule, and a visitor must not wait for, or call, anything of
-    // the engine that another thread's run may hold up. A visitor that has the rule scanned or cleaned on its own
-    // thread ends the enumeration. A null visitor is ignored.
+    // discovery. Items without a text are left out; a clean deletes them all the same. The rule's lock is held
+    // meanwhile: from another thread it waits until a running clean is done with this rule, and a visitor must not wait
+    // for, or call, anything of the engine that another thread's run may hold up. A visitor that has the rule scanned
+    // or cleaned on its own thread ends the enumeration. A null visitor is ignored.
     virtual void EnumFound(IVisitor* visitor) = 0;
-    // Always false for a rule, on purpose.
+    // Always false for a rule.
     virtual bool HasChildren() { return false; }
 
 protected:

@@ -21,7 +21,7 @@ struct TerminalSearch {
 // The folders that a rule with loop steps scans, in the order in which the searches find them. Follows no links; passes
 // over every name that begins with ".".
 //
-// A later step that matches nothing ends the loop, on purpose: without terminal names nothing is scanned then, with
-// them the search for those runs from the folders of the step before.
+// A later step that matches nothing ends the loop: without terminal names nothing is scanned then, with them the search
+// for those runs from the folders of the step before.
 std::vector<CFoundPath> ExpandLoop(const CString& start, const std::list<LoopStep>& steps,
                                    const TerminalSearch& terminals);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kNameLength = 260;
 
-// Stops at the first error, on purpose: a name that does not fit hides the values behind it.
+// Stops at the first error: a name that does not fit hides the values behind it.
 std::list<CString> ValueNamesOf(const CRegistryKey& key) {
     std::list<CString> names;
     for (DWORD index = 0;; ++index) {
@@ -23,12 +23,12 @@ std::list<CString> ValueNamesOf(const CRegistryKey& key) {
 }
 
 // All names are known before anything is deleted, so that deletions do not disturb the enumeration. Without a name, be
-// it that "Value" is missing, empty or only separators, every value goes, the unnamed one too, on purpose. No view is
-// asked for, on purpose: the process's own serves.
+// it that "Value" is missing, empty or only separators, every value goes, the unnamed one too. Keys are those of the
+// process's own registry view.
 void DeleteValues(const RegistryRule& rule, const CString& keyPath) {
     if (!rule.root || keyPath.empty()) return;
     if (rule.deleteKey) {
-        // Never reached from CleanRegistry, which deletes the key itself; kept on purpose.
+        // Never reached: CleanRegistry deletes the key itself.
         RegDeleteKeyW(rule.root, keyPath.c_str());
         return;
     }
@@ -64,7 +64,7 @@ HKEY RootKeyByName(const char* name) noexcept {
 void CleanRegistry(const RegistryRule& rule) {
     if (!rule.root || rule.keyPath.empty()) return;
     if (rule.deleteKey) {
-        // Not recursive, on purpose: a key that has sub-keys stays.
+        // Not recursive: a key that has sub-keys stays.
         RegDeleteKeyW(rule.root, rule.keyPath.c_str());
         return;
     }

@@ -16,8 +16,8 @@ struct RegistryRule {
     const std::list<CString>& valueNames;  // lower-cased; empty means every value
 };
 
-// The predefined root of "HKLM", "HKCU", "HKCR" or "HKUR" (which is HKEY_USERS, on purpose), compared as written; null
-// for anything else, a null name included.
+// The predefined root of "HKLM", "HKCU", "HKCR" or "HKUR" (which is HKEY_USERS), compared as written; null for anything
+// else, a null name included.
 HKEY RootKeyByName(const char* name) noexcept;
 
 // Removes what the rule names. Failures are silent and nothing is reported: what is missing or refused stays as it is.

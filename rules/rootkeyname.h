@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// The names by which rules give a root of the registry, compared as written. "HKUR" is HKEY_USERS, on purpose.
+// The names by which rules give a root of the registry, compared as written. "HKUR" is HKEY_USERS.
 struct RootKeyName {
     const char* name;
     HKEY root;

@@ -30,8 +30,8 @@ struct RuleElement {
     bool getByReg = false;
     bool isFolder = false;
     int32_t folderIndex = -1;
-    CString
-        folderVariable;  // "FolderX86EnvDir" in a 32-bit process on a 64-bit system if it has any, else "FolderEnvDir"
+    // "FolderX86EnvDir" in a 32-bit process on a 64-bit system if it has any, else "FolderEnvDir".
+    CString folderVariable;
     std::vector<CString> excludedNames;
     CString emptyProc;
     bool loopPath = false;

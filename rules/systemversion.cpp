@@ -25,7 +25,6 @@ DWORD GetBuildNumber() noexcept {
     if (known) return build;
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
-    // A failed query is not kept, on purpose: the next call asks again.
     if (GetVersionExW(&version)) {
         build = version.dwBuildNumber;
         known = true;

@@ -10,5 +10,5 @@ bool IsWow64() noexcept;
 // The build number of Windows; 0 as long as the system does not tell it, which is asked for again on each call.
 DWORD GetBuildNumber() noexcept;
 
-// Is the build below 2601? A build that cannot be told counts as old, on purpose.
+// Is the build below 2601? A build that cannot be told counts as old.
 bool IsXpOrOlder() noexcept;
