@@ -44,20 +44,19 @@ bool CAppCatagory::LoadXml(const TiXmlElement* element) {
     LargeIcon = ReadInteger(*element, "LargeIcon", LargeIcon);
     ReadText(*element, "Icon", Icon);
     const bool childrenLoaded = LoadChildren(*element);
-    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName && childrenLoaded;
 }
 
 bool CAppCatagory::LoadChildren(const TiXmlElement& element) {
     constexpr const char* kTag = "AppInfo";
     for (const TiXmlElement* child = element.FirstChildElement(kTag); child; child = child->NextSiblingElement(kTag)) {
-        // A bad application stops its category; the applications before it stay, on purpose.
+        // A bad application fails its category, and that the load of the rule file.
         if (!m_children.LoadAndAppend(new CAppGarbageInfo(this), child)) return false;
     }
     return true;
 }
 
-// Writes into the given element, and without most of what was loaded, on purpose: it is for display.
+// Writes into the given element. For display only: "ResID" and "SelState" are lost, here and below.
 bool CAppCatagory::SaveXml(TiXmlElement* element) {
     WriteTextIfAny(*element, "Name", Name);
     element->SetAttribute("CatagoryType", static_cast<int>(CatagoryType));

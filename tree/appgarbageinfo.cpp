@@ -22,7 +22,7 @@ bool CAppGarbageInfo::Discard() {
     // A copy: on its way up the size must not change under the levels that subtract it.
     const uint64_t size = GetTotalSize();
     if (CAppCatagory* parent = GetParent()) parent->SubtractVolume(&size);
-    // Marks, and does not unmark, on purpose.
+    // Marks and does not unmark: what is selected is part of the next clean all the same.
     return Mark(0);
 }
 
@@ -54,26 +54,24 @@ bool CAppGarbageInfo::LoadXml(const TiXmlElement* element) {
     LargeIcon = ReadInteger(*element, "LargeIcon", LargeIcon);
     ReadText(*element, "Icon", Icon);
     ReadText(*element, "ProductName", ProductName);
-    // Exactly 1, on purpose: 2 counts as absent.
     const bool isInBuildProgram = ReadInteger(*element, "InBuildProgram", -1) == 1;
     ReadText(*element, "LockFile", LockFile);
     const bool childrenLoaded = LoadChildren(*element);
-    // Also when a child failed, on purpose.
     SettlePresence(isInBuildProgram);
-    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName && childrenLoaded;
 }
 
 bool CAppGarbageInfo::LoadChildren(const TiXmlElement& element) {
     constexpr const char* kTag = "GarbageCatagory";
     for (const TiXmlElement* child = element.FirstChildElement(kTag); child; child = child->NextSiblingElement(kTag)) {
-        // A bad category stops its application; the categories before it stay, on purpose.
+        // A bad category fails its application, and that the load of the rule file.
         if (!m_children.LoadAndAppend(new CGarbageCatagory(this), child)) return false;
     }
     return true;
 }
 
-// Overwrites what the rules said through SetAppPresent while they loaded, on purpose.
+// Overwrites what the rules said through SetAppPresent while they loaded: a rule whose location can be resolved does
+// not make its application present.
 void CAppGarbageInfo::SettlePresence(bool isInBuildProgram) {
     Present = isInBuildProgram;
     if (!ProductName.empty()) FindInstalledProduct();
@@ -81,7 +79,6 @@ void CAppGarbageInfo::SettlePresence(bool isInBuildProgram) {
     if (parent && (parent->CatagoryType == 0 || parent->CatagoryType == 2)) Present = true;
 }
 
-// An icon that cannot be had leaves the application present, on purpose.
 void CAppGarbageInfo::FindInstalledProduct() {
     const auto apps = CAppInfoManager::GetInstance();
     if (!apps) return;
@@ -97,7 +94,7 @@ void CAppGarbageInfo::FindInstalledProduct() {
 }
 
 bool CAppGarbageInfo::SaveXml(TiXmlElement* element) {
-    // Linked before its attributes are set, and without most of what was loaded, on purpose: it is for display.
+    // For display only: "ProductName", "InBuildProgram" and "LockFile" are lost.
     TiXmlElement* own = element->LinkEndChild(new TiXmlElement("AppInfo"))->ToElement();
     WriteTextIfAny(*own, "Name", Name);
     own->SetAttribute("LargeIcon", LargeIcon);

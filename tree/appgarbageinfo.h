@@ -48,7 +48,7 @@ private:
     CChildList<CGarbageCatagory, IGarbageCatagory> m_children;
     bool Present = false;
     CIcon AppIcon;
-    CString LockFile;  // loaded and kept; nothing tests it, on purpose
+    CString LockFile;  // loaded and kept; nothing tests it
     CString ProductName;
 };
 

@@ -37,22 +37,20 @@ bool CGarbageCatagory::LoadXml(const TiXmlElement* element) {
     const bool hasName = ReadText(*element, "Name", Name);
     CatagoryID = ReadInteger(*element, "CatagoryID", 0);
     const TiXmlElement* rulesForXp = IsXpOrOlder() ? element->FirstChildElement("XP") : nullptr;
-    // The old system's rules replace the category's own; on a newer system they are ignored, on purpose.
     LoadRules(rulesForXp ? *rulesForXp : *element);
-    // Without a name the load fails, but everything read is kept, on purpose.
     return hasName;
 }
 
 void CGarbageCatagory::LoadRules(const TiXmlElement& holder) {
     constexpr const char* kTag = "GarbageInfo";
     for (const TiXmlElement* child = holder.FirstChildElement(kTag); child; child = child->NextSiblingElement(kTag)) {
-        // A bad rule costs only itself, unlike a bad application or category, on purpose.
+        // A bad rule costs only itself, unlike a bad application or category.
         NoThrow(false, [&] { return m_children.LoadAndAppend(new CGarbageInfo(this, this), child); });
     }
 }
 
 bool CGarbageCatagory::SaveXml(TiXmlElement* element) {
-    // Linked before its attributes are set, and without most of what was loaded, on purpose: it is for display.
+    // For display only: "CatagoryID" is lost, and whether the rules came from "XP".
     TiXmlElement* own = element->LinkEndChild(new TiXmlElement("GarbageCatagory"))->ToElement();
     WriteTextIfAny(*own, "Name", Name);
     return m_children.VisitLocked([own](CGarbageInfo& child) { return child.SaveXml(own); });

@@ -33,8 +33,8 @@ public:
     // Derives the state anew after a child took `state`. Both are the same operation; the tree calls them.
     virtual void RecomputeFromChild(uint32_t state) { DeriveState(state); }
     virtual void Recompute(uint32_t state) { DeriveState(state); }
-    // Gives this node and everything below it the state. The nodes above are not told, on purpose: whoever changed
-    // something tells its own parent.
+    // Gives this node and everything below it the state. The nodes above are not told and keep theirs: to change one
+    // node, call Toggle.
     virtual void SetState(uint32_t state);
     // Zeroes the totals and restores the selection of the rule file, here and below.
     virtual void ResetAll();

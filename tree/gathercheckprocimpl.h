@@ -11,7 +11,6 @@
 
 template <class Parent, class Self, class Child>
 void CGatherCheckProc<Parent, Self, Child>::Toggle() {
-    // A partly selected node is cleared, not completed, on purpose.
     m_state = m_state == SelectionNone ? SelectionAll : SelectionNone;
     WalkChildren(Node(), [this](Child& child) {
         child.SetState(m_state);
@@ -41,17 +40,18 @@ void CGatherCheckProc<Parent, Self, Child>::ResetAll() {
         child.ResetAll();
         return true;
     });
-    // Told that something is selected whatever the state is, on purpose.
+    // Told that something is selected, whatever the state is.
     Node().OnSelection(true, m_state, nullptr, true);
 }
 
 template <class Parent, class Self, class Child>
 void CGatherCheckProc<Parent, Self, Child>::LoadSelState(const TiXmlElement* element) {
     if (element->Attribute("SelState")) {
-        // Taken as it is, without a range check, on purpose. What is no integer leaves the state alone.
+        // Not checked: 7 counts as selected and equals no state that an operation gives. What is no integer leaves the
+        // state alone.
         m_state = static_cast<uint32_t>(ReadInteger(*element, "SelState", static_cast<int32_t>(m_state)));
     } else if constexpr (!kIsTop) {
-        // A partly selected parent does not select a child that says nothing itself, on purpose.
+        // A partly selected parent does not select a child that says nothing itself.
         const uint32_t inherited = m_parent ? m_parent->GetState() : m_state;
         m_state = m_parent && inherited == SelectionPartly ? SelectionNone : inherited;
     }
@@ -60,24 +60,24 @@ void CGatherCheckProc<Parent, Self, Child>::LoadSelState(const TiXmlElement* ele
 
 template <class Parent, class Self, class Child>
 void CGatherCheckProc<Parent, Self, Child>::DeriveState(uint32_t state) {
-    // An equal state ends it here even when the children differ, on purpose.
+    // A node that has the state already keeps it even when its children differ, as a rule file can make them.
     if (m_state == state) return;
     const uint32_t derived = AllChildrenHave(state) ? state : SelectionPartly;
     if (m_state == derived) return;
     m_state = derived;
-    // The engine above the top level keeps no selection: no call goes up from there, on purpose.
+    // The engine above the top level keeps no selection.
     if constexpr (!kIsTop) {
         if (m_parent) m_parent->Recompute(m_state);
     }
 }
 
-// True also when there is no child to count, on purpose.
+// True when there is no child to count: a rule takes whatever state it is told.
 template <class Parent, class Self, class Child>
 bool CGatherCheckProc<Parent, Self, Child>::AllChildrenHave(uint32_t state) {
     bool all = true;
     WalkChildren(Node(), [&](Child& child) {
         if constexpr (kIsTop) {
-            // Absent applications do not count, at this level only, on purpose.
+            // An absent application has no say in the state of its category.
             if (!child.IsAppPresent()) return true;
         }
         all = child.GetState() == state;

@@ -9,10 +9,10 @@
 //         child = next;
 //     }
 //
-// Each node has one cursor, on purpose: two interleaved enumerations of the same node end each other early, and so
-// does an enumeration from inside a notification with the walk of the running job (see IDregsweepCallback). Below the
-// top level nothing waits for a run of another thread, so do not enumerate there while one lasts: it would cut the
-// run's walk short.
+// Each node has one cursor: two interleaved enumerations of the same node end each other early, and so does an
+// enumeration from inside a notification with the walk of the running job (see IDregsweepCallback). Below the top level
+// nothing waits for a run of another thread, so do not enumerate there while one lasts: it would cut the run's walk
+// short.
 template <class I>
 class CGatherIteratorProc {
 public:

@@ -45,7 +45,7 @@ private:
     bool ReportRange();
     bool RunChildren(Pass pass);
 
-    bool m_marked = false;  // never cleared again, on purpose
+    bool m_marked = false;  // never cleared: once marked, a node runs whenever it is selected
     double m_rangeBegin = 0;
     double m_rangeEnd = 0;
 };

@@ -16,7 +16,7 @@ void CGatherProc<Self, Child>::EachChild(Visit visit) {
 
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::Mark(uint64_t value) {
-    // An unselected node loses its totals too, on purpose.
+    // An unselected node loses its totals too.
     Node().ZeroVolume();
     if (Node().GetState() == SelectionNone) return true;
     m_marked = true;
@@ -59,14 +59,14 @@ bool CGatherProc<Self, Child>::Run(Pass pass) {
     if (pass == Pass::Gather) Node().ZeroVolume();
     bool goOn = false;
     if constexpr (kIsLeaf) {
-        // A rule reports its range when it is gathered only, on purpose.
+        // In a clean the host's progress moves by garbage categories: rules report no range.
         if (pass == Pass::Gather && !ReportRange()) return false;
         goOn = pass == Pass::Gather ? Gather() : Clean(0, 0, 0);
     } else {
         if (!ReportRange() || !Node().AskHostToGoOn()) return false;
         goOn = RunChildren(pass);
     }
-    // Also after a child's false, on purpose.
+    // A run that was stopped below still ends the stage: 2 and 5 say visited, not complete.
     Node().AdvanceStage();
     return goOn;
 }
@@ -79,7 +79,7 @@ bool CGatherProc<Self, Child>::ReportRange() {
 }
 
 // The first false ends it: later children get neither a range nor a run. A clean also visits children whose gather
-// found nothing. Both on purpose.
+// found nothing, as that of a registry rule always does.
 template <class Self, class Child>
 bool CGatherProc<Self, Child>::RunChildren(Pass pass) {
     uint32_t selected = 0;
@@ -92,7 +92,7 @@ bool CGatherProc<Self, Child>::RunChildren(Pass pass) {
     bool goOn = true;
     EachChild([&](Child& child) {
         if (child.GetState() == SelectionNone) return true;
-        // Compared without a tolerance, on purpose: the last child but one often takes all that is left as well.
+        // The steps add up with rounding, so the last child but one often takes all that is left as well.
         const bool takesAllThatIsLeft = step * 2 > m_rangeEnd - position;
         child.SetRange(position, takesAllThatIsLeft ? m_rangeEnd : position + step);
         position += step;

@@ -3,7 +3,7 @@
 #include "tree/iappgarbageinfo.h"
 
 // An application category: the top level of the tree, whose children are applications. "Catagory" is the interface's
-// own form, on purpose.
+// own form.
 class IAppCatagory : public CGatherIteratorProc<IAppGarbageInfo>,
                      public CGatherCheckProc<IAppCatagory, IAppCatagory, IAppGarbageInfo>,
                      public virtual IEUObject,

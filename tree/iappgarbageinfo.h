@@ -18,10 +18,10 @@ public:
     virtual HICON GetAppIcon() = 0;
     // Is the application present on this machine?
     virtual bool IsAppPresent() = 0;
-    // Takes this application out of the totals: subtracts its size from every level above (not the counts, and without
-    // a floor, on purpose), zeroes its own totals and, when it is selected, those of all that is selected below it.
-    // What is selected is part of the next clean all the same, registry rules too, and what was found stays listed:
-    // deselect the application to keep it. Always true.
+    // Takes this application out of the totals: subtracts its size from every level above (not the counts; a size that
+    // is smaller there wraps below zero), zeroes its own totals and, when it is selected, those of all that is selected
+    // below it. What is selected is part of the next clean all the same, registry rules too, and what was found stays
+    // listed: deselect the application to keep it. Always true.
     virtual bool Discard() = 0;
     // Relay `arg` to the host's first and second step notification; its answer, or true when there is nobody to ask.
     virtual bool HostNotify1(uint64_t arg) = 0;

@@ -5,8 +5,7 @@
 
 class IAppGarbageInfo;
 
-// A garbage category: the third level, whose children are the rules. "Catagory" is the interface's own form, on
-// purpose.
+// A garbage category: the third level, whose children are the rules. "Catagory" is the interface's own form.
 class IGarbageCatagory : public CGatherIteratorProc<IGarbageInfo>,
                          public CGatherCheckProc<IAppGarbageInfo, IGarbageCatagory, IGarbageInfo>,
                          public virtual IEUObject,
@@ -15,7 +14,7 @@ public:
     // The record, with its text pointers refreshed; see inforecords.h.
     virtual const _DSW_Garbage_Catagory_* GetInfo() = 0;
     // Writes the flag that IsAppPresent of the application above returns. The rules call it while they load; the
-    // application's own computation afterwards overwrites it, on purpose.
+    // application's own computation afterwards overwrites it, so that only what a host sets later lasts.
     virtual void SetAppPresent(bool present) = 0;
     // Relays `arg` to the host's first step notification; its answer, or true when there is nobody to ask.
     virtual bool HostNotify1(uint64_t arg) = 0;

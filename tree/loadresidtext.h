@@ -15,7 +15,7 @@ public:
     CLoadResIdText(const CLoadResIdText&) = delete;
     CLoadResIdText& operator=(const CLoadResIdText&) = delete;
 
-    // Reads the key. A missing attribute leaves the key as it was; always true, on purpose.
+    // Reads the key. A missing attribute leaves the key as it was; always true.
     virtual bool LoadResID(const TiXmlElement* element);
     // Gives the node the text of its key, then its children theirs. Without a key, an entry or a text the name stays
     // as it is, in the previous language if need be. `selector` may be null.
@@ -24,5 +24,5 @@ public:
 private:
     void ReplaceName(Node& node, const CResIdTextTable& table, ITextSelector* selector);
 
-    std::string m_key;  // the attribute's bytes, not converted, on purpose
+    std::string m_key;  // the attribute's bytes, compared with those of the text file
 };

@@ -13,7 +13,7 @@ inline bool ReadText(const TiXmlElement& element, const char* name, COwnedText& 
     return true;
 }
 
-// Writes nothing when there is no text. The text is the current one: a localised name is saved as such, on purpose.
+// Writes nothing when there is no text. The text is the current one: a localised name is saved as such.
 inline void WriteTextIfAny(TiXmlElement& element, const char* name, const COwnedText& value) {
     const std::wstring_view text = value.c_str();
     if (!text.empty()) WriteText(element, name, text);

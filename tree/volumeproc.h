@@ -21,15 +21,15 @@ public:
 
     // May a refused folder or file be unlocked and tried again?
     virtual bool QueryUpgradeMode();
-    // May the folder be scanned? `withFiles` is carried to the top but decides nothing, on purpose.
+    // May the folder be scanned? `withFiles` is carried up but decides nothing: the engine looks at the path alone.
     virtual bool QueryPathAllowed(const CString& path, bool withFiles);
     // The answers of these three are the host's: true to go on. A level's totals are not rolled back after a refusal.
     virtual bool ReportProgress(uint32_t begin, uint32_t end);
     virtual bool ReportFound(const CString& item, const uint64_t* size, uint64_t extra);
-    // Goes up whether or not `subtract` is set, on purpose.
+    // Goes up whether or not `subtract` is set: the host hears of what could not be deleted, too.
     virtual bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
                                uint32_t count);
-    // Takes the size out of the parents' totals first, then out of this level's, on purpose.
+    // Takes the size out of the parents' totals first, then out of this level's: `size` must be none of these totals.
     virtual void SubtractVolume(const uint64_t* size);
     // Fill the node from its element of the rule file, and write it below `element`.
     virtual bool LoadXml(const TiXmlElement* /*element*/) { return false; }
