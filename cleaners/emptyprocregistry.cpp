@@ -38,7 +38,7 @@ std::unique_ptr<CGarbageEmptyProc> CreateByName(const CString& name) noexcept {
     const CEmptyProcEntry* entry = g_head;
     while (entry && entry->name != name)
         entry = entry->next;
-    // The first entry of the name decides, on purpose, even when its factory is null and a later one has a better.
+    // The first entry of the name decides, even when its factory is null and a later one has a better.
     if (!entry || !entry->factory) return nullptr;
     return std::unique_ptr<CGarbageEmptyProc>(entry->factory());
 }

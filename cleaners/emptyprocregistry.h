@@ -28,12 +28,12 @@ struct CEmptyProcEntry {
 
 namespace EmptyProcRegistry {
 
-// Makes `entry` the last of the list, whose order is that of registration, on purpose, with a copy of `name`, which is
-// compared exactly. The entry must live as long as the module. Only for static initialisation: there is no lock.
+// Makes `entry` the last of the list, with a copy of `name`, which is compared exactly. The entry must live as long as
+// the module. Only for static initialisation: there is no lock.
 void Register(CEmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory factory) noexcept;
 
-// A new object from the first entry of that name, upper and lower case told apart, on purpose; null when no entry has
-// the name, its factory is null or memory is short.
+// A new object from the entry of that name, upper and lower case told apart, that was registered first; null when no
+// entry has the name, its factory is null or memory is short.
 [[nodiscard]] std::unique_ptr<CGarbageEmptyProc> CreateByName(const CString& name) noexcept;
 
 }  // namespace EmptyProcRegistry

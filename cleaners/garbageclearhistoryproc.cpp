@@ -21,7 +21,7 @@ bool ClearUrlHistory() noexcept {
     CoCreateInstance(kUrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER, kUrlHistoryInterface,
                      history.PutVoid());
     if (!history) return false;
-    // The result is not looked at, on purpose: to have reached the service counts.
+    // To have reached the service counts, even when it refuses.
     history->ClearHistory();
     return true;
 }
@@ -29,7 +29,7 @@ bool ClearUrlHistory() noexcept {
 void PurgeUrlCache() noexcept {
     for (CUrlCacheWalk walk; walk; walk.Next()) {
         const INTERNET_CACHE_ENTRY_INFOW& entry = walk.Entry();
-        // Entries without the bit stay, on purpose. An entry in use stays too; the walk goes on.
+        // An entry in use stays; the walk goes on.
         if (entry.CacheEntryType & NORMAL_CACHE_ENTRY) DeleteUrlCacheEntryW(entry.lpszSourceUrlName);
     }
 }
@@ -38,10 +38,8 @@ void PurgeUrlCache() noexcept {
 
 bool CGarbageClearHistoryProc::Run(uint64_t /*a*/, uint64_t /*b*/, uint64_t /*c*/) noexcept {
     bool reached = false;
-    // Neither looked at nor balanced, on purpose: the thread may be in an apartment of either kind already, and stays
-    // in it.
+    // Neither looked at nor balanced: the thread may be in an apartment of either kind already, and stays in it.
     CoInitialize(nullptr);
-    // Always five passes, whether or not one succeeded, and the cache does not count for the answer. Both on purpose.
     for (int pass = 0; pass < kPasses; ++pass) {
         if (ClearUrlHistory()) reached = true;
         PurgeUrlCache();

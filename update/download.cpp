@@ -26,8 +26,8 @@ private:
     IDownloadReceiver& m_receiver;
 };
 
-// Fixed for the whole transfer by what is available at its start, on purpose. When that is nothing, the limit makes the
-// first read decide.
+// Fixed for the whole transfer by what is available at its start. When that is nothing, the limit makes the first read
+// decide.
 DWORD ChunkSize(DWORD available) noexcept {
     return available == 0 ? kChunkLimit : std::min(available, kChunkLimit);
 }
@@ -35,7 +35,7 @@ DWORD ChunkSize(DWORD available) noexcept {
 }  // namespace
 
 uint32_t CDownload::Run() noexcept {
-    // A row that failed may have set a code; the last one set is the result, on purpose, whatever failed after it.
+    // A row that failed may have set a code; the last one set is the result, whatever failed after it.
     for (int row = 0; row < std::ssize(m_roots) && !IsOver(); ++row) {
         if (!m_roots[static_cast<size_t>(row)]) continue;
         try {
@@ -48,7 +48,7 @@ uint32_t CDownload::Run() noexcept {
     return m_result;
 }
 
-// A sink that cancels or refuses ends all rows, on purpose; every other failure lets the next one try.
+// A sink that cancels or refuses ends all rows; every other failure lets the next one try.
 bool CDownload::IsOver() const noexcept {
     return m_result == 0 || (m_result & 0xFFFF) == kKindStopped;
 }
@@ -64,14 +64,14 @@ void CDownload::TryRow(int row) {
     Transfer(row, request.get());
 }
 
-// No status code is looked at, on purpose: the body of an error page counts as the resource.
+// No status code is looked at: the body of an error page counts as the resource.
 CInetHandle CDownload::OpenRequest(int row) const noexcept {
     CInetHandle request(InternetOpenUrlW(m_roots[static_cast<size_t>(row)].get(), m_url, nullptr, 0, kRequestFlags, 0));
     if (!request) DregsweepTrace(L"[InternetFileProc] InternetOpenUrl fail,%d,%s,%d", row, m_url, GetLastError());
     return request;
 }
 
-// The size only goes to the receiver; it neither bounds nor ends the transfer, on purpose, and a file ignores it.
+// The size only goes to the receiver; it neither bounds nor ends the transfer, and a file ignores it.
 bool CDownload::LearnSize(HINTERNET request) {
     const DWORD size = InternetSetFilePointer(request, 0, nullptr, FILE_END, 0);
     DregsweepTrace(L"[InternetFileProc] InternetSetFilePointer ret 0x%x,%s,%d", size, m_url, GetLastError());
@@ -93,7 +93,7 @@ void CDownload::Transfer(int row, HINTERNET request) {
         if (!Passes(m_receiver.BeforeRead()) || !ReadChunk(row, request)) return;
         if (m_read != 0 && !Passes(m_receiver.Write({m_chunk.data(), m_read}))) return;
     } while (m_read == m_chunk.size());
-    // Any short read is the end of the resource, on purpose, even where more was announced.
+    // Any short read is the end of the resource, even where more was announced.
     DregsweepTrace(m_operation.successTrace, row, m_url);
     m_result = m_receiver.Complete();
 }

@@ -11,7 +11,7 @@ bool CFileReceiver::Open(int row, const wchar_t* url) {
 
 uint32_t CFileReceiver::Write(std::span<const uint8_t> bytes) {
     DWORD written = 0;
-    // Not checked, on purpose: the download succeeds even where the disk takes less.
+    // Not checked: the download succeeds even where the disk takes less.
     WriteFile(m_file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     return 0;
 }
@@ -21,7 +21,7 @@ uint32_t CFileReceiver::Complete() {
     return 0;
 }
 
-// Runs only in a row that created the file: a row that failed before leaves an older file alone, on purpose.
+// Runs only in a row that created the file: a row that failed before leaves an older file alone.
 void CFileReceiver::Close() noexcept {
     m_file = CHandle();
     if (!m_complete) DeleteFileW(m_path);

@@ -19,7 +19,7 @@ using namespace InternetFileResult;
 constexpr DownloadOperation kFileOperation = {kFileNotReady, kFileFailed, kFileSizeUnknown,
                                               L"[InternetFileProc] GetFileFromURL success,%d,%s",
                                               L"[InternetFileProc] GetFileFromURL fail,%s,0x%x"};
-// The success line names the other operation, on purpose.
+// The success line is that of the operation above: a trace does not tell the two apart.
 constexpr DownloadOperation kBufOperation = {kBufNotReady, kBufFailed, kBufSizeUnknown,
                                              L"[InternetFileProc] GetFileFromURL success,%d,%s",
                                              L"[InternetFileProc] GetFileBufFromURL fail,%s,0x%x"};
@@ -46,7 +46,7 @@ uint32_t CInternetFileProc::Init() noexcept {
     if (m_initialised) return kSuccess;
     KeepWinInetLoaded();
     uint32_t result = OpenRoots();
-    // Whether or not a handle opened, on purpose.
+    // Also when no handle opened: the version is one for the whole process.
     if (!LoadVersion()) result = kInitNoHandle;
     m_initialised = result == kSuccess;
     if (!m_initialised) {
@@ -59,7 +59,6 @@ uint32_t CInternetFileProc::Init() noexcept {
 uint32_t CInternetFileProc::Uninit() noexcept {
     if (!m_initialised) return kUninitNotReady;
     CloseRoots();
-    // Writes the version back every time, on purpose, changed or not.
     SetConfigVersion(CurrentConfigVersion());
     m_initialised = false;
     return kSuccess;
@@ -106,7 +105,7 @@ uint32_t CInternetFileProc::GetCurConfigVersion(uint32_t* version) noexcept {
 
 uint32_t CInternetFileProc::SetConfigVersion(uint32_t version) noexcept {
     if (m_initialised) StoreConfigVersion(m_iniPath, version);
-    // The code and its line never change, on purpose, whether or not the version was stored.
+    // The code and its line never change, whether or not the version was stored.
     DregsweepTrace(L"[InternetFileProc] SetConfigVersion fail 0x%x,last err : %d", kSetVersionAlways, GetLastError());
     return kSetVersionAlways;
 }

@@ -27,12 +27,12 @@ private:
     bool LoadVersion() noexcept;
 
     bool m_initialised = false;
-    // Ten, of which the table of ways of access lets four be looked at and fills three, on purpose.
+    // Ten, of which the table of ways of access lets four be looked at and fills three.
     std::array<CInetHandle, 10> m_roots;
     CString m_iniPath;
 };
 
 // The process's only update object, made by the first call, with a reference for the caller; null when memory is short.
-// It is never destroyed: its count may fall to 0, and the next call makes it 1 again. Without a lock, on purpose: one
-// thread at a time uses the object.
+// It is never destroyed: its count may fall to 0, and the next call makes it 1 again. Without a lock: one thread at a
+// time uses the object.
 IInternetFileProc* SharedInternetFileProc() noexcept;

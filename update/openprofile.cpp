@@ -8,8 +8,8 @@ namespace {
 
 constexpr wchar_t kAgent[] = L"Microsoft Internet Explorer";
 
-// Row 0 is opened asynchronous though no callback is ever installed, on purpose: a row that then refuses to deliver is
-// passed over. The access type and the flags of row 1 are placeholders that OpenThroughSystemProxy replaces.
+// Row 0 is opened asynchronous though no callback is ever installed: a row that then refuses to deliver is passed over.
+// The access type and the flags of row 1 are placeholders that OpenThroughSystemProxy replaces.
 constexpr OpenProfile kProfiles[kMaxOpenProfiles] = {
     {kAgent, INTERNET_OPEN_TYPE_PRECONFIG, false, nullptr, nullptr, INTERNET_FLAG_ASYNC},
     {kAgent, INTERNET_OPEN_TYPE_PRECONFIG, true, nullptr, nullptr, INTERNET_FLAG_ASYNC},
@@ -23,7 +23,6 @@ CInetHandle OpenThroughSystemProxy(const OpenProfile& profile) noexcept {
     DWORD length = sizeof buffer;
     if (!InternetQueryOptionW(nullptr, INTERNET_OPTION_PROXY, buffer, &length)) {
         DregsweepTrace(L"[InternetFileProc] InternetQueryOption fail,%d", GetLastError());
-        // The row stays unopened, on purpose, rather than falling back to another access type.
         return {};
     }
     const auto* proxy = reinterpret_cast<const INTERNET_PROXY_INFO*>(buffer);

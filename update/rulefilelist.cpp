@@ -13,7 +13,7 @@ using namespace InternetFileResult;
 
 constexpr LONGLONG kListSizeLimit = 20480;
 
-// The whole file, or nothing: whatever goes wrong gives an empty list, which the callers count as success, on purpose.
+// The whole file, or nothing: whatever goes wrong gives an empty list, which replaces nothing and is no failure.
 std::string ReadListBytes(const CString& path) {
     const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -65,8 +65,8 @@ uint32_t DownloadCopies(IInternetFileProc& update, const CString& baseUrl, const
     return kSuccess;
 }
 
-// The old file is gone when its copy cannot take the name; nothing is restored, on purpose. A name that is listed twice
-// loses its file this way, on purpose: the second time there is no copy left to move.
+// The old file is gone when its copy cannot take the name; nothing is restored. A name that is listed twice loses its
+// file this way: the second time there is no copy left to move.
 uint32_t ReplaceFile(const RuleFile& file) noexcept {
     DeleteFileW(file.path.c_str());
     if (MoveFileW(file.copyPath.c_str(), file.path.c_str())) return kSuccess;
@@ -82,7 +82,8 @@ uint32_t ReplaceFiles(const std::vector<RuleFile>& files) noexcept {
     return kSuccess;
 }
 
-// Never deletes a copy, on purpose: it is entered after a failure only, and goes on only while there is none.
+// Never deletes a copy: it is entered after a failure only, and goes on only while there is none. So after a failure
+// every copy that was downloaded stays in the folder.
 void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept {
     for (auto file = files.begin(); file != files.end() && result == kSuccess; ++file)
         DeleteFileW(file->copyPath.c_str());
@@ -93,9 +94,8 @@ void RemoveCopies(const std::vector<RuleFile>& files, uint32_t result) noexcept 
 std::vector<CString> ReadRuleFileList(const CString& path) {
     // A zero byte ends the text.
     const CString text = Utf8ToWide(ReadListBytes(path).c_str());
-    // U+FFFE counts as a byte-order mark too, on purpose.
     const bool marked = !text.empty() && (text[0] == 0xFEFF || text[0] == 0xFFFE);
-    // The pieces keep their blanks, on purpose: they are part of the name.
+    // The pieces keep their blanks: they are part of the name.
     return Split(std::wstring_view(text).substr(marked ? 1 : 0), L"\r\n");
 }
 

@@ -18,7 +18,7 @@ uint32_t AskSink(Call call) noexcept {
 
 }  // namespace
 
-// Every row that gets this far begins again, on purpose: the sink drops what an earlier row delivered.
+// Every row that gets this far begins again: the sink drops what an earlier row delivered.
 uint32_t CSinkReceiver::OnSize(uint32_t size) {
     return AskSink([&] {
         m_sink->OnBegin(size);
