@@ -45,7 +45,7 @@ HMODULE LoadBesideModule(const char* fileName) noexcept {
 }
 
 void* FindKxaideExport(const char* exportName) noexcept {
-    // The 64-bit name first, on purpose, whatever the word size of this build.
+    // A 32-bit process cannot load the first and goes on to the second.
     HMODULE library = LoadBesideModule("kxaide64.dll");
     if (!library) library = LoadBesideModule("kxaide.dll");
     return FindExport(library, exportName);
@@ -55,7 +55,6 @@ IUsageEvents* GetUsageEvents() noexcept {
     IUsageEvents* events = g_usageEvents.load(std::memory_order_acquire);
     if (events) return events;
     events = CallFactory<IUsageEvents>(FindKxaideExport("GetTolvane"));
-    // A null answer is not kept, on purpose: the companion may be there the next time.
     if (events) g_usageEvents.store(events, std::memory_order_release);
     return events;
 }

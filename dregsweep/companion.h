@@ -7,12 +7,11 @@
 #include "dregsweep/icompanionobject.h"
 #include "dregsweep/iusageevents.h"
 
-// The maker's two optional companion libraries. Without them everything here answers null and nothing is lost.
+// The two optional companion libraries. Without them everything here answers null and nothing is lost.
 //
-// The libraries are loaded again for every look-up and never freed, on purpose: their objects may be in use until the
-// process ends. C++ exceptions that a companion throws are dropped; a structured exception, such as an access violation
-// or the C++ exception of another compiler's runtime, is not caught, by design, and reaches the crash filter. Any
-// thread.
+// The libraries are loaded again for every look-up and never freed: their objects may be in use until the process ends.
+// C++ exceptions that a companion throws are dropped; a structured exception, such as an access violation or the C++
+// exception of another compiler's runtime, is not caught and reaches the crash filter. Any thread.
 
 // The start-up companion, for LoadFactoryExport.
 inline constexpr char kTallyhostLibrary[] = "Tallyhost.dll";
@@ -30,7 +29,7 @@ inline constexpr char kTallyhostLibrary[] = "Tallyhost.dll";
 // Sends one event code if there is a usage-event object. Whatever it throws is dropped, and nothing is tried twice.
 void SendUsageEvent(uint32_t code) noexcept;
 
-// Loads a library by its bare name through the ordinary search, not beside this module, on purpose, and returns what
-// its factory export makes (null for the name means "GetImp"): an object with one reference, which the caller owns.
-// Null when the library or the export is missing, and when the factory throws.
+// Loads a library by its bare name through the ordinary search, not beside this module, and returns what its factory
+// export makes (null for the name means "GetImp"): an object with one reference, which the caller owns. Null when the
+// library or the export is missing, and when the factory throws.
 [[nodiscard]] ICompanionObject* LoadFactoryExport(const char* library, const char* exportName) noexcept;

@@ -22,6 +22,5 @@ bool StartCompanionService() noexcept {
     const CServiceHandle service(OpenServiceW(manager.get(), kServiceName, SERVICE_ALL_ACCESS));
     if (!service) return false;
     if (StartServiceW(service.get(), 0, nullptr)) return true;
-    // A service that runs already counts as started, on purpose.
     return GetLastError() == ERROR_SERVICE_ALREADY_RUNNING;
 }

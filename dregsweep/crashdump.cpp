@@ -47,8 +47,8 @@ void FindHostFolder(wchar_t (&folder)[kPathChars]) noexcept {
 
 MiniDumpWriter FindDumpWriter() noexcept {
     char library[MAX_PATH] = {};
-    // Four characters, on purpose: no system folder fits, so the buffer stays empty and the library is loaded by its
-    // bare name through the ordinary search.
+    // No system folder fits into four characters, so the buffer stays empty and the library is loaded by its bare name
+    // through the ordinary search.
     GetSystemDirectoryA(library, 4);
     if (!Append(library, kDumpLibrary)) return nullptr;
     const HMODULE module = LoadLibraryA(library);  // stays loaded: the process is ending
@@ -63,22 +63,21 @@ LONG WINAPI CrashFilter(EXCEPTION_POINTERS* exception) noexcept {
     FindHostFolder(path);
     const MiniDumpWriter writeDump = FindDumpWriter();
     if (!writeDump) return EXCEPTION_CONTINUE_SEARCH;
-    // Two backslashes before the name, on purpose: with no folder the name still begins at a root.
+    // Two backslashes before the name: with no folder it still begins at a root.
     if (!Append(path, kDumpName)) return EXCEPTION_CONTINUE_SEARCH;
 
-    // Shared for writing and not for reading, on purpose.
+    // Not shared for reading: nobody reads a dump that is not whole.
     const CHandle file(
         CreateFileW(path, GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return EXCEPTION_CONTINUE_SEARCH;
     const CMiniDumpException information = {GetCurrentThreadId(), exception, FALSE};
     const BOOL written = writeDump(GetCurrentProcess(), GetCurrentProcessId(), file.get(), kMiniDumpNormal,
                                    &information, nullptr, nullptr);
-    // Only a dump that was written ends the process here, on purpose; else the system's own handling follows.
     return written ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH;
 }
 
 void InstallCrashFilter() noexcept {
-    // The filter that was there is discarded, not chained, on purpose: there is one dump, and it is ours.
+    // The filter that was there is not called any more: a crash reporter that the host installed before hears nothing.
     SetUnhandledExceptionFilter(CrashFilter);
 }
 

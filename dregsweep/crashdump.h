@@ -17,8 +17,8 @@ void InstallCrashFilter() noexcept;
 // code that is gone; at the end of the process it stays, for what may still fail there.
 void RemoveCrashFilter() noexcept;
 
-// Installs the filter as a static object of the DLL. It has no destructor on purpose: a destructor cannot tell an
-// unload from the end of the process, DllMain can.
+// Installs the filter as a static object of the DLL. It has no destructor: a destructor cannot tell an unload from the
+// end of the process, DllMain can.
 struct CCrashFilterInstaller {
     CCrashFilterInstaller() noexcept { InstallCrashFilter(); }
 };

@@ -21,20 +21,20 @@
 
 namespace {
 
-// One text for all three step notifications, and no blank after the bracket, on purpose.
+// Who looks for "[Dregsweep] " misses these: they have no blank behind the bracket.
 constexpr const wchar_t* kCancelInStep = L"[Dregsweep]User cancel in process step notify!,%S,%d";
 constexpr const wchar_t* kCancelInProgress = L"[Dregsweep]User cancel in process notify!,%S,%d";
 constexpr const wchar_t* kCancelInGather = L"[Dregsweep]User cancel in gather proc!,%S,%d";
 constexpr const wchar_t* kCancelInEmpty = L"[Dregsweep]User cancel in empty proc!,%S,%d";
 
-// A plain prefix without a look at separators, folding A to Z only, on purpose.
+// A plain prefix, folding A to Z only: "C:\Temp" admits "C:\TempFiles".
 bool BeginsWith(const CString& path, const CString& prefix) noexcept {
     if (path.size() < prefix.size()) return false;
     return std::equal(prefix.begin(), prefix.end(), path.begin(),
                       [](wchar_t a, wchar_t b) { return FoldAscii(a) == FoldAscii(b); });
 }
 
-// Before anything is cleaned, whether or not anything will be, on purpose.
+// Sent before anything is cleaned: an event tells of a selection only.
 void SendUsageEvents(const std::vector<CReference<CAppCatagory>>& categories) noexcept {
     constexpr uint32_t kCategoryOfType0 = 0x11003;
     constexpr uint32_t kCategoryOfType2 = 0x11004;
@@ -67,15 +67,15 @@ private:
 };
 
 CDregsweep::CDregsweep(bool upgradeMode) : CVolumeProc(nullptr), m_upgradeMode(upgradeMode) {
-    // Never balanced and the result not looked at, on purpose: the host's thread keeps its apartment.
+    // Never balanced and the result not looked at: the host's thread keeps its apartment.
     (void)CoInitialize(nullptr);
-    // In upgrade mode only, and the result not looked at, on purpose.
+    // Where this fails nothing can be unlocked later; everything else works.
     if (m_upgradeMode) EnablePrivileges(RestoreContext());
 }
 
 CDregsweep::~CDregsweep() {
     CDregsweep::Uninit();
-    // One list for the whole process, on purpose: an engine that is still alive loads it again on its next use.
+    // One list for the whole process: an engine that is still alive loads it again on its next use.
     CAppInfoManager::ReleaseInstance();
 }
 
@@ -102,20 +102,18 @@ IAppCatagory* CDregsweep::GetNextChild(IAppCatagory* current) {
 }
 
 uint64_t CDregsweep::Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) {
-    // Nothing to do, and no error, on purpose.
     if (m_initialised || !configPath || !textPath) return 0;
     return NoThrow(kDregsweepConfigFailed, [&] { return DoInit(configPath, textPath, selector); });
 }
 
 uint64_t CDregsweep::DoInit(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) {
-    // A companion that refuses decides the result; a missing one is no error, on purpose.
     if (const uint64_t code = StartCompanion()) return code;
     m_configPath = configPath;
     if (const auto apps = CAppInfoManager::GetInstance()) apps->Load();
     if (const uint64_t code = LoadConfigFile()) return code;
     m_initialised = true;
     EnableRestorePrivilege();
-    // The result is not used, on purpose: it never tells success.
+    // The result is not used: it never tells success.
     ChangeResID(textPath, selector);
     return 0;
 }
@@ -133,7 +131,7 @@ uint64_t CDregsweep::StartCompanion() {
 
 uint64_t CDregsweep::LoadConfigFile() {
     TiXmlDocument document;
-    // A file that is missing or broken is no error, on purpose: the engine becomes ready without a category.
+    // A file that is missing or broken is no error: the engine becomes ready without a category.
     if (!LoadXmlDocument(m_configPath.c_str(), document)) return 0;
     return LoadConfig(document.FirstChildElement()) ? 0 : kDregsweepConfigFailed;
 }
@@ -145,14 +143,13 @@ bool CDregsweep::LoadConfig(const TiXmlElement* root) {
 }
 
 bool CDregsweep::LoadCategories(const TiXmlElement& root) {
-    // The one name that is not written "Catagory", compared with regard to case; foreign elements are skipped. All on
-    // purpose.
+    // The one name that is not written "Catagory", compared with regard to case; foreign elements are skipped.
     constexpr std::string_view kTag = "AppCategoryInfo";
-    // A root without any child element fails, one with foreign elements only does not, on purpose.
+    // A root without any child element fails, one with foreign elements only does not.
     if (!root.FirstChildElement()) return false;
     for (const TiXmlElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
         if (child->Value() != kTag) continue;
-        // The categories before a failing one stay in the list, on purpose.
+        // The categories before a failing one stay in the list, ahead of those of a later Init.
         if (!m_categories.LoadAndAppend(new CAppCatagory(this, this), child)) return false;
     }
     return true;
@@ -166,15 +163,14 @@ uint64_t CDregsweep::Uninit() {
     ++m_tree;
     companion = std::move(m_companion);
     m_initialised = false;
-    // The allowed paths stay, on purpose, and the totals until the next gather.
+    // The allowed paths stay, and the totals until the next gather.
     return 0;
 }
 
 uint64_t CDregsweep::ChangeResID(const wchar_t* textPath, ITextSelector* selector) {
-    // Without a trace, on purpose.
     if (!textPath) return kDregsweepChangeResID;
     const uint64_t code = NoThrow(kDregsweepChangeResID, [&] { return LoadTexts(textPath, selector); });
-    // Never 0 and traced every time, on purpose, also when every category took its text.
+    // Never 0 and traced every time, also when every category took its text.
     DregsweepTrace(L"[Dregsweep] ChangeResID fail 0x%x,%d", static_cast<unsigned>(code), GetLastError());
     return code;
 }
@@ -231,7 +227,7 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
     if (!m_initialised) return true;
     Run run{callback, m_tree};
     const CRunScope scope(m_run, run);
-    // Even when nothing is selected, on purpose.
+    // A gather of nothing must not leave the totals of the one before.
     ZeroVolume();
     ResetForGather();
     TellCompanionOfRun();
@@ -252,7 +248,6 @@ bool CDregsweep::RunGather(IDregsweepCallback* callback) {
 }
 
 bool CDregsweep::Clean(IDregsweepCallback* callback) {
-    // Both lines also when the engine is not initialised, on purpose.
     DregsweepTrace(L"[Dregsweep] ------ start garbage clear proc ------");
     const bool goOn = NoThrow(false, [&] { return RunClean(callback); });
     DregsweepTrace(L"[Dregsweep] ------ end garbage clear proc ------");
@@ -266,9 +261,8 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
     std::optional<CRedirectionOff> redirection;  // reverted only after the callback is gone
     Run run{callback, m_tree};
     const CRunScope scope(m_run, run);
-    // Even when nothing is selected, on purpose.
     PrepareForClean();
-    // Before the companion is told, unlike in a gather, on purpose.
+    // Unlike in a gather, the companion is told with redirection off.
     redirection.emplace();
     TellCompanionOfRun();
 
@@ -283,8 +277,8 @@ bool CDregsweep::RunClean(IDregsweepCallback* callback) {
             const ProgressRange range = ranges.Next();
             category->SetRange(range.begin, range.end);
         }
-        // Unselected categories are visited too, on purpose: they skip their unselected content themselves. Nothing is
-        // marked here: that would zero the totals which each deleted item lowers.
+        // Unselected categories are visited too: they skip their unselected content themselves. Nothing is marked here:
+        // that would zero the totals which each deleted item lowers.
         category->RunClean();
     }
     return !run.stopped;
@@ -334,7 +328,7 @@ uint64_t CDregsweep::SetAllChecked(bool checked) {
         const uint32_t wanted = checked ? SelectionAll : SelectionNone;
         if (category.GetState() == wanted) return;
         category.Toggle();
-        // A partly selected category went to none first: once more, on purpose.
+        // A partly selected category went to none first: once more.
         if (checked && category.GetState() != SelectionAll) category.Toggle();
     });
     return 0;
@@ -344,7 +338,6 @@ uint64_t CDregsweep::ClearTotals() {
     if (!m_initialised) return 0;
     const CLockGuard guard(m_categories.Lock());
     ZeroVolume();
-    // Restores the loaded selection too, on purpose.
     EachCategory([](CAppCatagory& category) { category.ResetAll(); });
     return 0;
 }
@@ -384,7 +377,7 @@ bool CDregsweep::ReportFound(const CString& item, const uint64_t* size, uint64_t
                    [&](IDregsweepCallback& host) { return host.FoundItem(item.c_str(), *size, extra); });
 }
 
-// The count of items is not handed on, on purpose.
+// The host is not told the count: a recycle bin is one item to it, however many were in it.
 bool CDregsweep::ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool subtract,
                                uint32_t count) {
     if (m_run && IsOver(*m_run)) return false;

@@ -20,7 +20,7 @@ CDregsweep* CreateEngine(bool upgradeMode) {
 }
 
 // Never half-initialised: an engine whose Init refuses is released, and its code goes no further. A missing or broken
-// rule file is no refusal: the engine is then ready and empty. Both on purpose.
+// rule file is no refusal: the engine is then ready and empty.
 IDregsweep* CreateUpgradeEngine() {
     CReference<CDregsweep> engine(CreateEngine(/*upgradeMode=*/true));
     if (!engine) return nullptr;
@@ -34,7 +34,7 @@ IDregsweep* CreateUpgradeEngine() {
 
 }  // namespace
 
-// GetPrivacyProcImp is this same function, on purpose. Init is the host's to call.
+// GetPrivacyProcImp is this same function. Init is the host's to call.
 extern "C" IDregsweep* GetImp() noexcept {
     return NoThrow<IDregsweep*>(nullptr, [] { return CreateEngine(/*upgradeMode=*/false); });
 }
@@ -51,7 +51,7 @@ extern "C" bool StartFunc() noexcept {
     return StartCompanionService();
 }
 
-// Does nothing, on purpose: the service goes on.
+// Does nothing: the service goes on.
 extern "C" bool EndFunc() noexcept {
     return true;
 }

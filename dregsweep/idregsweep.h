@@ -60,26 +60,25 @@ public:
     // Reads the rule file (XML) and the localised names (XML, see ChangeResID). Paths are null-terminated UTF-16 of any
     // length; the pointers are not kept. `selector` may be null; it is called during Init only.
     // Returns 0 when the engine is ready. It is ready, with no category, also when the rule file is missing, empty, no
-    // XML, of 2 GB or more or nested deeper than 256 elements, on purpose: look at GetFirstCategory. Returns 0 and does
-    // nothing when it is ready already or a path is null. Returns kDregsweepConfigFailed when the file has no element,
-    // its root has no child element, a category fails to load or memory runs out: the engine is not ready, and the
-    // categories before the failing one stay in its list, ahead of those of a later Init. Returns the companion
-    // library's code when that refuses to start.
+    // XML, of 2 GB or more or nested deeper than 256 elements: look at GetFirstCategory. Returns 0 and does nothing
+    // when it is ready already or a path is null. Returns kDregsweepConfigFailed when the file has no element, its root
+    // has no child element, a category fails to load or memory runs out: the engine is not ready, and the categories
+    // before the failing one stay in its list, ahead of those of a later Init. Returns the companion library's code
+    // when that refuses to start.
     virtual uint64_t Init(const wchar_t* configPath, const wchar_t* textPath, ITextSelector* selector) = 0;
     // Lets go of all categories; a further Init may follow. The allowed paths stay. Always 0.
     virtual uint64_t Uninit() = 0;
     // Gives the nodes the names of another text file: below the document's first element, the element "Dregsweep" with
     // one child element per key, named after the key, whose content is the text (UTF-8). Names without an entry keep
     // their previous language. `selector` may be null.
-    // Returns kDregsweepChangeResID even on success, on purpose, and kDregsweepNoTextTable when the file was read but
-    // has no "Dregsweep" element. Nothing changes when the path is null, the engine is not ready or the file cannot be
-    // read.
+    // Returns kDregsweepChangeResID even on success, and kDregsweepNoTextTable when the file was read but has no
+    // "Dregsweep" element. Nothing changes when the path is null, the engine is not ready or the file cannot be read.
     virtual uint64_t ChangeResID(const wchar_t* textPath, ITextSelector* selector) = 0;
     // Limits the folder scans of a gather to folders whose path begins with one of the added prefixes; without any
     // there is no limit. Single files, shell folders, registry rules and cleaners are not limited, and a clean does not
     // ask again: this is no fence around a rule file that you do not trust. A plain comparison of characters that folds
-    // A to Z only and knows no separators, on purpose: "C:\Temp" admits "C:\TempFiles". The text is copied; null is
-    // ignored. When there is no memory for it, no folder at all is allowed until ClearAllowedPaths.
+    // A to Z only and knows no separators: "C:\Temp" admits "C:\TempFiles". The text is copied; null is ignored. When
+    // there is no memory for it, no folder at all is allowed until ClearAllowedPaths.
     virtual void AddAllowedPath(const wchar_t* prefix) = 0;
     virtual void ClearAllowedPaths() = 0;
     // Scans what the selected rules describe and reports every item (see IDregsweepCallback). Zeroes the totals first,
@@ -90,17 +89,17 @@ public:
     virtual bool Gather(IDregsweepCallback* callback) = 0;
     // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
     // cleaners among them. Arguments and answers as for Gather. A gather makes all that is selected in a category part
-    // of the job as it enters the category, and nothing takes it out again but deselecting, on purpose: after a gather
-    // that was stopped, a clean also runs registry rules and special cleaners that the gather had not reached, and
-    // those that an earlier gather had. A category that no gather has entered is not cleaned.
+    // of the job as it enters the category, and nothing takes it out again but deselecting: after a gather that was
+    // stopped, a clean also runs registry rules and special cleaners that the gather had not reached, and those that an
+    // earlier gather had. A category that no gather has entered is not cleaned.
     virtual bool Clean(IDregsweepCallback* callback) = 0;
     // What Gather and Clean do to all categories before they start. Always true.
     virtual bool ResetForGather() = 0;
     virtual bool PrepareForClean() = 0;
     // Selects everything, or nothing. A partly selected category is toggled twice. Always 0.
     virtual uint64_t SetAllChecked(bool checked) = 0;
-    // Zeroes all totals, and restores the selection of the rule file, on purpose. What was found stays listed, so a
-    // Clean still deletes it. Always 0.
+    // Zeroes all totals, and restores the selection of the rule file. What was found stays listed, so a Clean still
+    // deletes it. Always 0.
     virtual uint64_t ClearTotals() = 0;
     // Relay `arg` to the host's step notifications; true when no run is in progress.
     virtual bool HostNotify1(uint64_t arg) = 0;
@@ -116,8 +115,8 @@ public:
 // "GetSysUpgradeClearImp": an engine for the leftovers of a system upgrade, initialised from "SysUpgradeConfig.xml" and
 // "ResIDText.xml" beside the host's executable, in upgrade mode: files and folders that refuse are unlocked and tried
 // once more, for which it enables the restore and take-ownership privileges of the process. Make and run one such
-// engine at a time. An engine without categories, on purpose, when the first file is missing or broken; null when Init
-// refuses, memory runs out, or the executable's path cannot be had or is of 260 characters or more.
+// engine at a time. An engine without categories when the first file is missing or broken; null when Init refuses,
+// memory runs out, or the executable's path cannot be had or is of 260 characters or more.
 using DregsweepFactory = IDregsweep* (*)();
 
 // The export "GetInetFileProcImp": the process's one update object; see iinternetfileproc.h.

@@ -24,14 +24,13 @@ public:
     virtual bool StepNotify2(uint64_t node) = 0;
     // The run enters an application category; `node` is its IAppCatagory pointer.
     virtual bool StepNotify3(uint64_t node) = 0;
-    // The run reaches a node (a rule in a gather only, on purpose), whose share of the scale from 0 to 100 is `begin`
-    // to `end`, both truncated to whole numbers. The ranges of neighbours overlap on purpose: show the greatest `begin`
-    // so far.
+    // The run reaches a node (a rule in a gather only), whose share of the scale from 0 to 100 is `begin` to `end`,
+    // both truncated to whole numbers. The ranges of neighbours overlap: show the greatest `begin` so far.
     virtual bool Progress(uint32_t begin, uint32_t end) = 0;
     // An item was found. `path` is its full path, or the display text of a shell item (UTF-16, null-terminated, valid
     // during the call); `size` is in bytes; `category` is the IGarbageCatagory pointer of the rule's category.
     virtual bool FoundItem(const wchar_t* path, uint64_t size, uint64_t category) = 0;
-    // Never called, on purpose: it keeps its place in the table.
+    // Never called; it keeps its place in the table.
     virtual bool Reserved() = 0;
     // An item was processed by a clean: `removed` tells whether it is gone. Arguments as for FoundItem; an empty path
     // stands for everything that the rule had found at once, such as a recycle bin.

@@ -10,8 +10,7 @@ using DisableFunction = BOOL(WINAPI*)(void** saved);
 using RevertFunction = BOOL(WINAPI*)(void* saved);
 
 // A function of kernel32 that not every system has, looked up on first use. All ones means not looked up yet, so that
-// null can mean looked up and missing, which is kept as well, on purpose. Two threads may both look up: they store the
-// same value.
+// null can mean looked up and missing, which is kept as well. Two threads may both look up: they store the same value.
 template <class Function>
 class CKernelFunction {
 public:
@@ -39,7 +38,7 @@ constinit CKernelFunction<RevertFunction> g_revert("Wow64RevertWow64FsRedirectio
 }  // namespace
 
 bool DisableRedirection(uint64_t& saved) noexcept {
-    // First, on purpose: the system leaves the value alone when it has nothing to switch off.
+    // 0 also without the function, and where the system leaves the value alone.
     saved = 0;
     const DisableFunction disable = g_disable.Get();
     if (!disable) return false;

@@ -17,7 +17,7 @@ class CRedirectionOff {
 public:
     CRedirectionOff() noexcept { DisableRedirection(m_saved); }
     ~CRedirectionOff() {
-        // Asks the saved value and not the answer of the call, on purpose.
+        // An old value of 0 is not put back, whatever the call answered.
         if (m_saved != 0) RevertRedirection(m_saved);
     }
     CRedirectionOff(const CRedirectionOff&) = delete;

@@ -18,7 +18,7 @@ bool AdjustRestorePrivilege() noexcept {
     privileges.PrivilegeCount = 1;
     privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
     if (!LookupPrivilegeValueW(nullptr, L"SeRestorePrivilege", &privileges.Privileges[0].Luid)) return false;
-    // The answer alone counts, on purpose: it is true even when the token lacks the privilege.
+    // The answer alone counts: it is true even when the token lacks the privilege.
     return AdjustTokenPrivileges(token.get(), FALSE, &privileges, 0, nullptr, nullptr);
 }
 
