@@ -1,7 +1,7 @@
 #pragma once
 
-// What a host is told, what goes and what stays, by a model that knows no more than the documents tell. With the engine
-// it shares helpers for text only.
+// What a host is told, what goes and what stays, by a model of its own. With the engine it shares helpers for text
+// only.
 
 #include <cstdint>
 #include <cwchar>

@@ -14,7 +14,7 @@
 // An item-ID list of one item, from the COM task allocator.
 LPITEMIDLIST MakeFakeList(const std::string& name);
 
-// COM interfaces have no virtual destructor, on purpose: nobody deletes through them.
+// COM interfaces have no virtual destructor: nobody deletes through them.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 

@@ -28,7 +28,7 @@ void DregsweepTrace(const wchar_t* format, ...) noexcept {
         const CLockGuard guard(g_lock);
         g_lines.emplace_back(line);
     } catch (...) {
-        // Tests that run out of memory on purpose lose the line, as the product would.
+        // A test in which allocations fail loses the line, as the product would.
     }
     SetLastError(lastError);
 }
