@@ -26,7 +26,7 @@ install(DIRECTORY samples examples DESTINATION ${package_data})
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME dregsweep)
-set(CPACK_PACKAGE_VENDOR "The Dregsweep founders")
+set(CPACK_PACKAGE_VENDOR "Dregsweep")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Junk-file cleaning engine for 64-bit Windows")
 set(CPACK_SYSTEM_NAME win64)
 set(CPACK_STRIP_FILES ON)
