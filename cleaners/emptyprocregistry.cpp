@@ -6,22 +6,22 @@
 namespace {
 
 // Null before any static object is built, so that entries of every source file can register in any order.
-constinit CEmptyProcEntry* g_head = nullptr;
-constinit CEmptyProcEntry* g_tail = nullptr;
+constinit EmptyProcEntry* g_head = nullptr;
+constinit EmptyProcEntry* g_tail = nullptr;
 
 // The registered procedures. They stand here and not beside their classes because the linker drops those object files
 // of a static library that nothing refers to.
-CEmptyProcEntry g_clearHistory(kClearHistoryName, GarbageXProc::CreateClearHistoryProc);
+EmptyProcEntry g_clearHistory(kClearHistoryName, GarbageXProc::CreateClearHistoryProc);
 
 }  // namespace
 
-CEmptyProcEntry::CEmptyProcEntry(const wchar_t* procName, EmptyProcFactory procFactory) noexcept {
+EmptyProcEntry::EmptyProcEntry(const wchar_t* procName, EmptyProcFactory procFactory) noexcept {
     EmptyProcRegistry::Register(*this, procName, procFactory);
 }
 
 namespace EmptyProcRegistry {
 
-void Register(CEmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory factory) noexcept {
+void Register(EmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory factory) noexcept {
     try {
         entry.name = name;
     } catch (...) {
@@ -35,7 +35,7 @@ void Register(CEmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory fact
 }
 
 std::unique_ptr<CGarbageEmptyProc> CreateByName(const CString& name) noexcept {
-    const CEmptyProcEntry* entry = g_head;
+    const EmptyProcEntry* entry = g_head;
     while (entry && entry->name != name)
         entry = entry->next;
     // The first entry of the name decides, even when its factory is null and a later one has a better.

@@ -14,15 +14,15 @@
 // Returns a new object, or null when there is no memory for it.
 using EmptyProcFactory = CGarbageEmptyProc* (*)() noexcept;
 
-struct CEmptyProcEntry {
+struct EmptyProcEntry {
     // Registers itself behind the entries there are. `factory` may be null; the name then yields no object.
-    CEmptyProcEntry(const wchar_t* procName, EmptyProcFactory procFactory) noexcept;
-    CEmptyProcEntry(const CEmptyProcEntry&) = delete;
-    CEmptyProcEntry& operator=(const CEmptyProcEntry&) = delete;
+    EmptyProcEntry(const wchar_t* procName, EmptyProcFactory procFactory) noexcept;
+    EmptyProcEntry(const EmptyProcEntry&) = delete;
+    EmptyProcEntry& operator=(const EmptyProcEntry&) = delete;
 
     EmptyProcFactory factory = nullptr;
     CString name;
-    CEmptyProcEntry* next = nullptr;
+    EmptyProcEntry* next = nullptr;
     void* reserved = nullptr;
 };
 
@@ -30,7 +30,7 @@ namespace EmptyProcRegistry {
 
 // Makes `entry` the last of the list, with a copy of `name`, which is compared exactly. The entry must live as long as
 // the module. Only for static initialisation: there is no lock.
-void Register(CEmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory factory) noexcept;
+void Register(EmptyProcEntry& entry, const wchar_t* name, EmptyProcFactory factory) noexcept;
 
 // A new object from the entry of that name, upper and lower case told apart, that was registered first; null when no
 // entry has the name, its factory is null or memory is short.

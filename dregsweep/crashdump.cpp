@@ -14,17 +14,16 @@ constexpr int kMiniDumpNormal = 0;
 
 // The cross compiler's headers lack these declarations of DbgHelp, which packs its structures to four bytes.
 #pragma pack(push, 4)
-struct CMiniDumpException {
+struct MiniDumpException {
     DWORD threadId;
     EXCEPTION_POINTERS* pointers;
     BOOL clientPointers;
 };
 #pragma pack(pop)
-static_assert(sizeof(CMiniDumpException) == 16);
+static_assert(sizeof(MiniDumpException) == 16);
 
 using MiniDumpWriter = BOOL(WINAPI*)(HANDLE process, DWORD processId, HANDLE file, int type,
-                                     const CMiniDumpException* exception, const void* userStreams,
-                                     const void* callback);
+                                     const MiniDumpException* exception, const void* userStreams, const void* callback);
 
 // Appends `text` to the text in `buffer`; false, and nothing appended, when it does not fit.
 template <class Char, size_t N, size_t M>
@@ -70,7 +69,7 @@ LONG WINAPI CrashFilter(EXCEPTION_POINTERS* exception) noexcept {
     const CHandle file(
         CreateFileW(path, GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return EXCEPTION_CONTINUE_SEARCH;
-    const CMiniDumpException information = {GetCurrentThreadId(), exception, FALSE};
+    const MiniDumpException information = {GetCurrentThreadId(), exception, FALSE};
     const BOOL written = writeDump(GetCurrentProcess(), GetCurrentProcessId(), file.get(), kMiniDumpNormal,
                                    &information, nullptr, nullptr);
     return written ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH;

@@ -19,6 +19,6 @@ void RemoveCrashFilter() noexcept;
 
 // Installs the filter as a static object of the DLL. It has no destructor: a destructor cannot tell an unload from the
 // end of the process, DllMain can.
-struct CCrashFilterInstaller {
-    CCrashFilterInstaller() noexcept { InstallCrashFilter(); }
+struct CrashFilterInstaller {
+    CrashFilterInstaller() noexcept { InstallCrashFilter(); }
 };

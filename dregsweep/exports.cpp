@@ -13,7 +13,7 @@
 
 namespace {
 
-const CCrashFilterInstaller g_crashFilter;
+const CrashFilterInstaller g_crashFilter;
 
 CDregsweep* CreateEngine(bool upgradeMode) {
     return new (std::nothrow) CDregsweep(upgradeMode);
@@ -24,7 +24,7 @@ CDregsweep* CreateEngine(bool upgradeMode) {
 IDregsweep* CreateUpgradeEngine() {
     CReference<CDregsweep> engine(CreateEngine(/*upgradeMode=*/true));
     if (!engine) return nullptr;
-    const CUpgradeFiles files = FindUpgradeFiles();
+    const UpgradeFiles files = FindUpgradeFiles();
     // Better no engine than rules that do not lie beside the host.
     if (files.configPath.empty()) return nullptr;
     if (engine->Init(files.configPath.c_str(), files.textPath.c_str(), /*selector=*/nullptr) != 0) return nullptr;

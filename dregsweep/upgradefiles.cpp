@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-CUpgradeFiles FindUpgradeFiles() {
+UpgradeFiles FindUpgradeFiles() {
     wchar_t path[MAX_PATH] = {};
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH) return {};

@@ -37,7 +37,7 @@ CGarbageInfo::CGarbageInfo(CGarbageCatagory* parent, IGarbageCatagory* category)
 CGarbageInfo::~CGarbageInfo() {
     CGarbageInfo::ClearFound();
     m_shellItem.reset();
-    m_emptyProc.reset();
+    EmptyProc.reset();
 }
 
 bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
@@ -47,7 +47,7 @@ bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
     Iteration = rule.iteration;
     Path = std::move(rule.path);
     Filter = std::move(rule.filter);
-    m_rootKey = rule.rootKey;
+    RootKey = rule.rootKey;
     if (!IsRegistry) return LoadFileRule(*element, rule);
     // A registry rule always loads: one that names no key does nothing when it is cleaned.
     DelKey() = rule.deleteKey;
@@ -76,9 +76,9 @@ bool CGarbageInfo::LoadFileRule(const TiXmlElement& element, RuleElement& rule) 
 }
 
 void CGarbageInfo::CreateEmptyProc(const CString& name) {
-    m_emptyProc = EmptyProcRegistry::CreateByName(name);
+    EmptyProc = EmptyProcRegistry::CreateByName(name);
     // An unknown name costs the rule its cleaner, not its load.
-    if (!m_emptyProc) DregsweepTrace(L"[Dregsweep] EmptyProc fail %s", name.c_str());
+    if (!EmptyProc) DregsweepTrace(L"[Dregsweep] EmptyProc fail %s", name.c_str());
 }
 
 bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
@@ -110,14 +110,14 @@ bool CGarbageInfo::ResolveLocation(const TiXmlElement& element) {
 void CGarbageInfo::LoadChildren(RuleChildren children) {
     if (LoopPath) {
         for (auto& step : children.steps)
-            m_loopSteps.push_back(std::move(step.child));
+            LoopSteps.push_back(std::move(step.child));
         for (auto& terminal : children.terminals)
             MoveBehind(terminal.child, TerminalPaths);
         ExactMatch = children.exactMatch;
     }
     if (!ExcludePath) return;
     for (auto& exclusion : children.exclusions)
-        m_excludePaths.push_back(std::move(exclusion.child));
+        ExcludePaths.push_back(std::move(exclusion.child));
 }
 
 void CGarbageInfo::OpenVirtualFolder() {
@@ -208,14 +208,14 @@ bool CGarbageInfo::Scan() {
 }
 
 void CGarbageInfo::ScanFolders(CScan& scan) {
-    CFolderScan folders({Filter, Iteration, ExcludeFilters, m_excludePaths}, scan);
+    CFolderScan folders({Filter, Iteration, ExcludeFilters, ExcludePaths}, scan);
     if (!LoopPath) {
         (void)folders.ScanFolder(CFoundPath(Path), !SelfExclude);
         return;
     }
     // Terminal paths without loop steps find nothing, and SelfExclude has no say over the folders of a loop.
-    if (m_loopSteps.empty()) return;
-    for (const CFoundPath& folder : ExpandLoop(Path, m_loopSteps, {TerminalPaths, ExactMatch})) {
+    if (LoopSteps.empty()) return;
+    for (const CFoundPath& folder : ExpandLoop(Path, LoopSteps, {TerminalPaths, ExactMatch})) {
         if (!folders.ScanFolder(folder, /*withFiles=*/true)) return;
     }
 }
@@ -283,10 +283,10 @@ bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
     return NoThrow(true, [&] {
         if (m_released) return true;
         // What was found is deleted whatever it answers.
-        if (m_emptyProc) m_emptyProc->Run(a, b, c);
+        if (EmptyProc) EmptyProc->Run(a, b, c);
         if (IsRegistry) {
             // The host is not told what a registry rule removes.
-            CleanRegistry({.root = m_rootKey,
+            CleanRegistry({.root = RootKey,
                            .keyPath = Path,
                            .subKeyFilter = Filter,
                            .iteration = Iteration,

@@ -97,16 +97,16 @@ private:
     // The rest of what the rule file says. Two members serve both kinds of rule.
     ContainmentSet ExcludeFilters;
     ContainmentSet m_secondFilters;  // only ever emptied
-    std::list<LoopStep> m_loopSteps;
+    std::list<LoopStep> LoopSteps;
     std::list<CString> TerminalPaths;
     std::list<CString>& ValueNames() noexcept { return TerminalPaths; }
     bool ExactMatch = false;  // for the terminal paths
-    std::list<ExcludePathEntry> m_excludePaths;
+    std::list<ExcludePathEntry> ExcludePaths;
     bool ExcludePath = false;  // has "ExcludePath" children
     bool SelfExclude = false;  // leave out the location's own files
     bool& DelKey() noexcept { return SelfExclude; }
-    HKEY m_rootKey = nullptr;   // a predefined root, never closed
+    HKEY RootKey = nullptr;     // a predefined root, never closed
     CItemIdList m_shellFolder;  // outlives the shell item, which borrows it
     std::unique_ptr<CShellItemProc> m_shellItem;
-    std::unique_ptr<CGarbageEmptyProc> m_emptyProc;
+    std::unique_ptr<CGarbageEmptyProc> EmptyProc;
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-using CInstalledApps = std::map<CString, CInstalledApp>;
+using InstalledApps = std::map<CString, InstalledApp>;
 
 // The system spells it "Uninstall"; key names compare without case.
 constexpr wchar_t kUninstallPath[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\UnInstall";
@@ -40,9 +40,9 @@ void CutIconIndex(CString& icon) {
     if (comma != 0 && comma != CString::npos) icon.resize(comma);
 }
 
-void ReadEntry(HKEY root, const CString& keyPath, REGSAM view, CInstalledApps& apps) {
+void ReadEntry(HKEY root, const CString& keyPath, REGSAM view, InstalledApps& apps) {
     const CRegistryKey key(root, keyPath.c_str(), KEY_QUERY_VALUE | view);
-    CInstalledApp app;
+    InstalledApp app;
     if (!key || !key.ReadText(L"DisplayName", kValueBytes, app.displayName)) return;
     app.displayName = ToLower(app.displayName);
     // Who is read first keeps the name: the machine's entries before the user's.
@@ -57,7 +57,7 @@ void ReadEntry(HKEY root, const CString& keyPath, REGSAM view, CInstalledApps& a
     apps.emplace(std::move(name), std::move(app));
 }
 
-void ReadView(HKEY root, REGSAM view, CInstalledApps& apps) {
+void ReadView(HKEY root, REGSAM view, InstalledApps& apps) {
     const CRegistryKey key(root, kUninstallPath, KEY_QUERY_VALUE | KEY_ENUMERATE_SUB_KEYS | view);
     if (!key) return;
     wchar_t name[kNameChars];
@@ -96,7 +96,7 @@ void CAppInfoManager::Load() noexcept {
     const CLockGuard guard(m_lock);
     if (m_loaded) return;
     try {
-        CInstalledApps apps;
+        InstalledApps apps;
         for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
             for (const REGSAM view : std::initializer_list<REGSAM>{KEY_WOW64_64KEY, 0})
                 ReadView(root, view, apps);
@@ -108,7 +108,7 @@ void CAppInfoManager::Load() noexcept {
     }
 }
 
-bool CAppInfoManager::Find(std::wstring_view displayName, CInstalledApp& out) noexcept {
+bool CAppInfoManager::Find(std::wstring_view displayName, InstalledApp& out) noexcept {
     const CLockGuard guard(m_lock);
     try {
         const auto found = m_apps.find(ToLower(displayName));

@@ -30,7 +30,7 @@ public:
     void Load() noexcept;
     // Looks a program up by its display name, without regard to case, in the list as loaded. `out` receives a copy; it
     // is empty when the answer is false.
-    bool Find(std::wstring_view displayName, CInstalledApp& out) noexcept;
+    bool Find(std::wstring_view displayName, InstalledApp& out) noexcept;
     // Whether the host program's folder occurs, without regard to case, anywhere in `path`. False when that folder is
     // not known; true, to be safe, when memory runs out (only a path of more than 512 characters takes any).
     [[nodiscard]] bool IsInHostFolder(std::wstring_view path) const noexcept;
@@ -41,7 +41,7 @@ private:
     CAppInfoManager();
 
     CLock m_lock;  // guards the list and its flag
-    std::map<CString, CInstalledApp> m_apps;
+    std::map<CString, InstalledApp> m_apps;
     bool m_loaded = false;
     const CString m_hostFolder;
 };

@@ -3,7 +3,7 @@
 #include "sysservices/text.h"
 
 // One program that the system lists as installed.
-struct CInstalledApp {
+struct InstalledApp {
     CString displayName;     // in lower case
     CString keyPath;         // the uninstall entry's path below its root key
     CString displayVersion;  // empty when the entry names none

@@ -83,7 +83,7 @@ void CAppGarbageInfo::FindInstalledProduct() {
     const auto apps = CAppInfoManager::GetInstance();
     if (!apps) return;
     apps->Load();  // again, if another engine's end has emptied the list meanwhile
-    CInstalledApp product;
+    InstalledApp product;
     if (!apps->Find(ProductName, product)) return;
     Present = true;
     if (product.displayIcon.empty()) return;

@@ -7,9 +7,9 @@
 namespace {
 
 // Static objects of another source file than the registry, as a further procedure's would be.
-CEmptyProcEntry g_without(L"Without", nullptr);
-CEmptyProcEntry g_hidden(L"Without", GarbageXProc::CreateClearHistoryProc);
-CEmptyProcEntry g_further(L"Further", GarbageXProc::CreateClearHistoryProc);
+EmptyProcEntry g_without(L"Without", nullptr);
+EmptyProcEntry g_hidden(L"Without", GarbageXProc::CreateClearHistoryProc);
+EmptyProcEntry g_further(L"Further", GarbageXProc::CreateClearHistoryProc);
 
 TEST(EmptyProcRegistry, CreatesByExactNameFromTheFirstEntry) {
     const auto proc = EmptyProcRegistry::CreateByName(L"NT_ClearHistory");

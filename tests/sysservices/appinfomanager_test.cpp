@@ -34,11 +34,11 @@ struct AppInfoManager : testing::Test {
         Set(L"DisplayVersion", version, entry);
     }
     // The record in the list as it stands; with `load` the list is read anew before.
-    static CInstalledApp Lookup(std::wstring_view name, bool load = true) {
+    static InstalledApp Lookup(std::wstring_view name, bool load = true) {
         const auto manager = CAppInfoManager::GetInstance();
         if (load) manager->Clear();
         if (load) manager->Load();
-        CInstalledApp app;
+        InstalledApp app;
         manager->Find(name, app);
         return app;
     }
@@ -54,7 +54,7 @@ TEST_F(AppInfoManager, GivesTheRecordWithItsIconFile) {
         Set(L"DisplayIcon", value);
         EXPECT_EQ(Lookup(L"DSW äpp").displayIcon, file);
     }
-    CInstalledApp app = Lookup(L"DSW äpp");
+    InstalledApp app = Lookup(L"DSW äpp");
     EXPECT_EQ(app.displayName + L"|" + app.displayVersion + L"|" + app.keyPath,
               L"dsw äpp|1.2 Beta|" + std::wstring(kPath));
     EXPECT_FALSE(CAppInfoManager::GetInstance()->Find(L"dsw", app));
