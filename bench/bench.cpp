@@ -32,6 +32,12 @@ std::string FolderRule(const std::wstring& folder, const std::string& attributes
            + "</GarbageInfo>";
 }
 
+std::string PatternRule(const std::wstring& folder) {
+    return FolderRule(
+        folder, std::string(R"(Iteration="1" Filter="*.tmp" ExcludePath="1" ExcludeFilter=")") + kKeptTokens + "\"",
+        R"(<ExcludePath Path="no such name"/><ExcludePath Path="\no\such\path" ExactMatch="1"/>)");
+}
+
 void RequireSame(uint64_t floor, uint64_t engine, const char* what) {
     if (floor == engine) return;
     throw CHostError(L"the engine and its floor differ: " + Utf8ToWide(what) + L" " + std::to_wstring(engine)

@@ -40,6 +40,9 @@ std::string OneCategory(const std::string& rules);
 // "<GarbageInfo .../>": a rule for the files in and below a folder of drive C:, whose path stands in `folder`.
 // `attributes` may add or be empty.
 std::string FolderRule(const std::wstring& folder, const std::string& attributes, const std::string& children = {});
+// The same for its ".tmp" files but those with one of kKeptTokens in their name, with two exclusions of folders.
+// Neither matches, so that engine and floor visit the same folders; each is asked for every folder.
+std::string PatternRule(const std::wstring& folder);
 
 // Throws when engine and floor did not do the same work: a fast wrong answer is no figure.
 void RequireSame(uint64_t floor, uint64_t engine, const char* what);

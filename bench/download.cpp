@@ -8,9 +8,9 @@
 #include <string>
 
 #include "bench/rows.h"
+#include "bench/stubs.h"
 #include "host/hosterror.h"
 #include "sysservices/handle.h"
-#include "tests/support/iatpatch.h"
 #include "tests/support/loopbackhttp.h"
 #include "update/inethandle.h"
 
@@ -79,9 +79,7 @@ std::vector<Figure> BenchDownload(Bench& bench) {
     MakeFolders(kFolder);
     const std::wstring path = kFolder + std::wstring(L"\\rules");
 
-    const IatPatch size(bench.Module(), nullptr, "InternetSetFilePointer", reinterpret_cast<const void*>(&TellSize));
-    const IatPatch open(bench.Module(), nullptr, "InternetOpenW", reinterpret_cast<const void*>(&OpenSynchronousOnly));
-    if (!size.ok() || !open.ok()) throw CHostError(L"the engine does not import what the benchmark replaces");
+    const Stubs stubs(bench.Module(), {{"InternetSetFilePointer", &TellSize}, {"InternetOpenW", &OpenSynchronousOnly}});
     const CReference<IInternetFileProc> update(UpdateObject(bench.Module()));
     const CInetHandle root(InternetOpenW(kAgent, INTERNET_OPEN_TYPE_DIRECT, nullptr, nullptr, 0));
 
