@@ -18,9 +18,11 @@ struct Row {
 
 // Growth comes first: its memory is seen only as long as nothing else has left room in the heap.
 constexpr Row kRows[] = {
-    {"growth", BenchGrowth}, {"gather", BenchGather},     {"pattern", BenchPattern},   {"rules", BenchManyRules},
-    {"clean", BenchClean},   {"load", BenchLoad},         {"localise", BenchLocalise}, {"cancel", BenchCancel},
-    {"loop", BenchLoop},     {"download", BenchDownload},
+    {"growth", BenchGrowth},     {"gather", BenchGather},       {"pattern", BenchPattern},
+    {"rules", BenchManyRules},   {"clean", BenchClean},         {"load", BenchLoad},
+    {"localise", BenchLocalise}, {"cancel", BenchCancel},       {"loop", BenchLoop},
+    {"download", BenchDownload}, {"owngather", BenchOwnGather}, {"ownpattern", BenchOwnPattern},
+    {"ownclean", BenchOwnClean},
 };
 
 struct Options {
