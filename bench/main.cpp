@@ -22,7 +22,7 @@ constexpr Row kRows[] = {
     {"rules", BenchManyRules},   {"clean", BenchClean},         {"load", BenchLoad},
     {"localise", BenchLocalise}, {"cancel", BenchCancel},       {"loop", BenchLoop},
     {"download", BenchDownload}, {"owngather", BenchOwnGather}, {"ownpattern", BenchOwnPattern},
-    {"ownclean", BenchOwnClean},
+    {"ownclean", BenchOwnClean}, {"ownload", BenchOwnLoad},     {"ownlocalise", BenchOwnLocalise},
 };
 
 struct Options {

@@ -16,6 +16,8 @@ std::vector<Figure> BenchLocalise(Bench& bench);  // load.cpp
 std::vector<Figure> BenchCancel(Bench& bench);
 std::vector<Figure> BenchLoop(Bench& bench);
 std::vector<Figure> BenchDownload(Bench& bench);
-std::vector<Figure> BenchOwnGather(Bench& bench);   // ownfiles.cpp
-std::vector<Figure> BenchOwnPattern(Bench& bench);  // ownfiles.cpp
-std::vector<Figure> BenchOwnClean(Bench& bench);    // ownfiles.cpp
+std::vector<Figure> BenchOwnGather(Bench& bench);    // ownfiles.cpp
+std::vector<Figure> BenchOwnPattern(Bench& bench);   // ownfiles.cpp
+std::vector<Figure> BenchOwnClean(Bench& bench);     // ownfiles.cpp
+std::vector<Figure> BenchOwnLoad(Bench& bench);      // ownload.cpp
+std::vector<Figure> BenchOwnLocalise(Bench& bench);  // ownload.cpp
