@@ -2,11 +2,17 @@
 
 #include <algorithm>
 
+namespace {
+
+bool IsOneInTheOther(std::wstring_view a, std::wstring_view b) noexcept {
+    return a.size() > b.size() ? a.find(b) != std::wstring_view::npos : b.find(a) != std::wstring_view::npos;
+}
+
+}  // namespace
+
+// The letters first: mostly the first one decides, and costs nothing beside a search.
 bool ContainmentLess::operator()(std::wstring_view a, std::wstring_view b) const noexcept {
-    const bool aIsLonger = a.size() > b.size();
-    const std::wstring_view longer = aIsLonger ? a : b;
-    const std::wstring_view shorter = aIsLonger ? b : a;
-    if (longer.find(shorter) != std::wstring_view::npos) return false;
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [](wchar_t x, wchar_t y) { return FoldAscii(x) < FoldAscii(y); });
+                                        [](wchar_t x, wchar_t y) { return FoldAscii(x) < FoldAscii(y); })
+           && !IsOneInTheOther(a, b);
 }

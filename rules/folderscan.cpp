@@ -21,42 +21,61 @@ CFolderScan::CFolderScan(const FolderScanTarget& target, IFolderScanClient& clie
 
 bool CFolderScan::ScanFolder(const CFoundPath& folder, bool withFiles) {
     CFolderWalk walk(folder);
-    if (!Enter(walk, withFiles)) return false;
+    Enter(walk, withFiles);
     while (walk.Next()) {
-        const bool goOn = walk.IsAtEntry() ? VisitEntry(walk) : Leave(walk.Path());
-        if (!goOn) return false;
+        if (!walk.IsAtEntry())
+            Leave(walk);
+        else if (!VisitEntry(walk))
+            return false;
     }
     return true;
 }
 
-bool CFolderScan::Enter(CFolderWalk& walk, bool withFiles) {
+void CFolderScan::Enter(CFolderWalk& walk, bool withFiles) {
     // Counts as scanned: the rest of the walk goes on.
-    if (!m_client.IsAllowed(walk.Path().Text(), withFiles)) return true;
-    if (!m_everything && !m_target.recurse) return !withFiles || CollectFiles(walk.Path());
-    walk.Enter(OpenSearch(walk));
-    m_withFiles.push_back(withFiles);
-    return true;
+    if (!m_client.IsAllowed(walk.Path().Text(), withFiles)) return;
+    if (m_everything || m_target.recurse) {
+        const bool alsoFiles = m_everything && withFiles;
+        walk.Enter(ListFolder(walk), alsoFiles ? CFolderWalk::Entries::All : CFolderWalk::Entries::Folders);
+        m_passes.push_back({.entersFolders = true, .filesFollow = withFiles && !m_everything});
+    } else if (withFiles) {
+        CollectFiles(walk);
+    }
 }
 
 // Tried twice at most, the second time when the folder may be unlocked.
-CFileSearch CFolderScan::OpenSearch(CFolderWalk& walk) {
+CFileSearch CFolderScan::ListFolder(CFolderWalk& walk) {
     CFileSearch search = walk.Search(L"*");
     if (search || !m_client.MayUnlock()) return search;
     UnlockPath(walk.Path().Exact());
     return walk.Search(L"*");
 }
 
+// Unlocks nothing: without Iteration a patterned rule finds nothing in a folder that refuses.
+void CFolderScan::CollectFiles(CFolderWalk& walk) {
+    walk.Enter(walk.Search(m_target.pattern));
+    m_passes.push_back({.entersFolders = false, .filesFollow = false});
+}
+
+void CFolderScan::Leave(CFolderWalk& walk) {
+    const Pass pass = m_passes.back();
+    m_passes.pop_back();
+    if (pass.filesFollow) CollectFiles(walk);
+}
+
 bool CFolderScan::VisitEntry(CFolderWalk& walk) {
     const DWORD attributes = walk.Entry().dwFileAttributes;
     // A patterned rule follows links, even out of its folder. With "*" they are passed over, links to files too.
     if (m_everything && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return true;
-    if (!(attributes & kFolderOrDevice)) return !m_everything || !m_withFiles.back() || CollectFile(walk);
+    if (!(attributes & kFolderOrDevice)) return CollectFile(walk);
+    if (!m_passes.back().entersFolders) return true;
     const Descent descent = ChooseDescent(walk);
     // An exclusion with Iteration keeps the files of one folder; those below are collected again.
-    return descent == Descent::Skip || Enter(walk, descent == Descent::WithFiles);
+    if (descent != Descent::Skip) Enter(walk, descent == Descent::WithFiles);
+    return true;
 }
 
-CFolderScan::Descent CFolderScan::ChooseDescent(const CFolderWalk& walk) const {
+CFolderScan::Descent CFolderScan::ChooseDescent(CFolderWalk& walk) const {
     const WIN32_FIND_DATAW& entry = walk.Entry();
     if (entry.dwFileAttributes & kDevice) return Descent::Skip;
     if (IsDotName(entry.cFileName) || !m_target.recurse) return Descent::Skip;
@@ -67,23 +86,7 @@ CFolderScan::Descent CFolderScan::ChooseDescent(const CFolderWalk& walk) const {
     return exclusion->iteration ? Descent::WithoutFiles : Descent::Skip;
 }
 
-bool CFolderScan::Leave(const CFoundPath& folder) {
-    const bool withFiles = m_withFiles.back();
-    m_withFiles.pop_back();
-    return m_everything || !withFiles || CollectFiles(folder);
-}
-
-// Unlocks nothing: without Iteration a patterned rule finds nothing in a folder that refuses.
-bool CFolderScan::CollectFiles(const CFoundPath& folder) {
-    CFolderWalk files(folder);
-    for (files.Enter(files.Search(m_target.pattern)); files.Next() && files.IsAtEntry();) {
-        if (files.Entry().dwFileAttributes & kFolderOrDevice) continue;
-        if (!CollectFile(files)) return false;
-    }
-    return true;
-}
-
-bool CFolderScan::CollectFile(const CFolderWalk& walk) {
+bool CFolderScan::CollectFile(CFolderWalk& walk) {
     const WIN32_FIND_DATAW& entry = walk.Entry();
     const bool isExcluded =
         !m_target.excludedNames.empty() && m_target.excludedNames.contains(std::wstring_view(entry.cFileName));

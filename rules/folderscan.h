@@ -42,19 +42,24 @@ public:
     [[nodiscard]] bool ScanFolder(const CFoundPath& folder, bool withFiles);
 
 private:
+    // What becomes of the entries of an open folder. A search with a pattern does not tell the folders below: they take
+    // a pass of their own, before the files.
+    struct Pass {
+        bool entersFolders;
+        bool filesFollow;
+    };
     enum class Descent { Skip, WithFiles, WithoutFiles };
 
-    [[nodiscard]] bool Enter(CFolderWalk& walk, bool withFiles);
+    void Enter(CFolderWalk& walk, bool withFiles);
     [[nodiscard]] bool VisitEntry(CFolderWalk& walk);
-    [[nodiscard]] bool Leave(const CFoundPath& folder);
-    CFileSearch OpenSearch(CFolderWalk& walk);
-    Descent ChooseDescent(const CFolderWalk& walk) const;
-    [[nodiscard]] bool CollectFiles(const CFoundPath& folder);
-    [[nodiscard]] bool CollectFile(const CFolderWalk& walk);
+    void Leave(CFolderWalk& walk);
+    CFileSearch ListFolder(CFolderWalk& walk);
+    void CollectFiles(CFolderWalk& walk);
+    Descent ChooseDescent(CFolderWalk& walk) const;
+    [[nodiscard]] bool CollectFile(CFolderWalk& walk);
 
     const FolderScanTarget m_target;
     IFolderScanClient& m_client;
-    // One pass over everything, instead of one for the folders and one with the pattern.
     const bool m_everything;
-    std::vector<bool> m_withFiles;  // of each open folder
+    std::vector<Pass> m_passes;  // of each open folder
 };

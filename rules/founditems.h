@@ -19,10 +19,8 @@ public:
 
         // The full path of a file, or the display text of a shell item. Not terminated.
         std::wstring_view Path() const noexcept { return {Texts(), m_length}; }
-        // The path that deletes the file: see CFoundPath. Not terminated.
-        std::wstring_view ExactPath() const noexcept {
-            return m_literalLength == 0 ? Path() : std::wstring_view(Texts() + m_length, m_literalLength);
-        }
+        // The literal form that deletes the file, empty where the path does: see CFoundPath. Not terminated.
+        std::wstring_view LiteralPath() const noexcept { return {Texts() + m_length, m_literalLength}; }
 
     private:
         friend class CFoundItems;

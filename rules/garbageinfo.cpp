@@ -302,7 +302,7 @@ bool CGarbageInfo::CleanFound() {
     const CLockGuard guard(m_lock);
     uint32_t generation = m_generation;
     const auto apps = CAppInfoManager::GetInstance();
-    CString path, exactPath;  // outlive a list that the host's notification empties
+    CString path, literal;  // outlive a list that the host's notification empties
     bool goOn = true;
     for (auto item = m_found.begin(); goOn && item != m_found.end();) {
         // The host's own files are never deleted: they stay listed and are not reported. Without a manager any file may
@@ -312,10 +312,11 @@ bool CGarbageInfo::CleanFound() {
             continue;
         }
         path = item->Path();
-        exactPath = item->ExactPath();
+        literal = item->LiteralPath();
         const uint64_t size = item->size;
         const CItemIdList itemId = std::move(item->itemId);  // likewise: the shell may let messages in meanwhile
-        const bool deleted = m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(exactPath);
+        const bool deleted =
+            m_shellItem ? m_shellItem->InvokeDelete(itemId.get()) : DeleteFoundFile(literal.empty() ? path : literal);
         if (!m_shellItem || !path.empty()) goOn = ReportEmptied(path, &size, CategoryValue(), deleted, 1);
         if (generation != m_generation) break;
         // Deleted or not: the next clean does not try it again, while the size of what is left stays in the totals.

@@ -3,8 +3,3 @@
 CFileSearch::CFileSearch(const wchar_t* pattern)
     : m_entry(std::make_unique<WIN32_FIND_DATAW>()),
       m_handle(FindFirstFileW(pattern, m_entry.get())) {}
-
-bool CFileSearch::Next() noexcept {
-    m_hasEntry = *this && FindNextFileW(m_handle.get(), m_entry.get());
-    return m_hasEntry;
-}

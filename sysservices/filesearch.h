@@ -24,7 +24,10 @@ public:
     // True while Entry() holds an entry.
     explicit operator bool() const noexcept { return m_handle && m_hasEntry; }
     // Moves to the next entry; false at the end, and after any error.
-    bool Next() noexcept;
+    bool Next() noexcept {
+        m_hasEntry = *this && FindNextFileW(m_handle.get(), m_entry.get());
+        return m_hasEntry;
+    }
     const WIN32_FIND_DATAW& Entry() const noexcept { return *m_entry; }
 
 private:
