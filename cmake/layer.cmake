@@ -5,6 +5,8 @@ function(dregsweep_add_layer name)
     set(library dregsweep_${name})
     add_library(${library} STATIC)
     target_link_libraries(${library} PUBLIC dregsweep_flags ${arg_LINKS})
+    # Loops over the characters of every path are where the engine's own time goes.
+    target_compile_options(${library} PRIVATE $<$<CONFIG:Release>:-O3>)
     # Only to build faster: every source includes what it uses.
     if(TARGET dregsweep_sysservices AND NOT name STREQUAL sysservices)
         target_precompile_headers(${library} REUSE_FROM dregsweep_sysservices)
