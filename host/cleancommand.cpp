@@ -4,6 +4,7 @@
 #include "host/hosterror.h"
 #include "host/resulttable.h"
 #include "host/runjson.h"
+#include "host/sizetext.h"
 
 namespace {
 

@@ -1,35 +1,18 @@
 #include "host/columns.h"
 
-#include <algorithm>
+#include "host/characterrange.h"
+#include "host/printable.h"
 
 namespace {
 
-struct Range {
-    wchar_t first;
-    wchar_t last;
-};
-
-// Control characters, and those that change the direction of the text behind them.
-constexpr Range kUnsafe[] = {{0x0000, 0x001F}, {0x007F, 0x009F}, {0x200E, 0x200F}, {0x202A, 0x202E}, {0x2066, 0x2069}};
-constexpr Range kCombining[] = {{0x0300, 0x036F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}};
-constexpr Range kWide[] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
-                           {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}};
-
-template <size_t N>
-bool IsIn(const Range (&ranges)[N], wchar_t c) noexcept {
-    return std::any_of(std::begin(ranges), std::end(ranges),
-                       [c](const Range& range) { return c >= range.first && c <= range.last; });
-}
-
-std::wstring Escape(wchar_t c) {
-    constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
-    return {L'<', L'U', L'+', kDigits[c >> 12], kDigits[c >> 8 & 15], kDigits[c >> 4 & 15], kDigits[c & 15], L'>'};
-}
+constexpr CharacterRange kCombining[] = {{0x0300, 0x036F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}};
+constexpr CharacterRange kWide[] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
+                                    {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}};
 
 // Each half of a surrogate pair counts one: nearly all of what lies there is two columns wide.
 size_t ColumnsOf(wchar_t c) noexcept {
     constexpr size_t kEscape = 8;
-    if (IsIn(kUnsafe, c)) return kEscape;
+    if (!IsPrintable(c)) return kEscape;
     if (IsIn(kCombining, c)) return 0;
     return IsIn(kWide, c) ? 2 : 1;
 }
@@ -50,13 +33,6 @@ size_t Columns(std::wstring_view text) noexcept {
     for (const wchar_t c : text)
         columns += ColumnsOf(c);
     return columns;
-}
-
-std::wstring Printable(std::wstring_view text) {
-    std::wstring printable;
-    for (const wchar_t c : text)
-        printable += IsIn(kUnsafe, c) ? Escape(c) : std::wstring(1, c);
-    return printable;
 }
 
 std::wstring PadRight(std::wstring_view text, size_t columns) {

@@ -3,12 +3,9 @@
 #include <string>
 #include <string_view>
 
-// The columns that a text takes on a terminal, made printable: East Asian letters take two, combining marks none.
+// The columns that a text takes on a terminal, its unprintable letters escaped: East Asian letters take two, combining
+// marks none.
 size_t Columns(std::wstring_view text) noexcept;
-
-// The text with escapes, such as <U+202E>, for control characters and those that change the direction of text: a name
-// must neither end the line nor command the terminal nor look like another. No file name has "<" or ">".
-std::wstring Printable(std::wstring_view text);
 
 // The text with blanks behind or before it, up to `columns`; a longer text stays as it is.
 std::wstring PadRight(std::wstring_view text, size_t columns);

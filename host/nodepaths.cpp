@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "host/columns.h"
+#include "host/printable.h"
 #include "host/treewalk.h"
 #include "sysservices/text.h"
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "host/columns.h"
+#include "host/printable.h"
+#include "host/sizetext.h"
 
 void CProgressLine::Reach(unsigned percent) {
     if (percent <= m_percent) return;

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/amount.h"
 #include "host/console.h"
-#include "host/sizetext.h"
 
 // One line of progress, with a bar, that is drawn over and over, on a terminal only; removed at the end of the scope.
 class CProgressLine {

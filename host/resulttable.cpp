@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/columns.h"
+#include "host/sizetext.h"
 
 namespace {
 

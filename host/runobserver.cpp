@@ -4,6 +4,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "host/sizetext.h"
 #include "host/treewalk.h"
 
 namespace {

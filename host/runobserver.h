@@ -8,16 +8,9 @@
 #include "dregsweep/idregsweep.h"
 #include "host/cancel.h"
 #include "host/exitstatus.h"
-#include "host/itemstate.h"
+#include "host/itemresult.h"
 #include "host/progressline.h"
 #include "sysservices/reference.h"
-
-// What became of an item.
-struct ItemResult {
-    std::wstring path;  // empty: all that the rule had found, such as the content of a recycle bin
-    Amount amount;
-    ItemState state;
-};
 
 // What the host does with the notifications of one run: shows progress, lists items, keeps what a clean reports, and
 // passes on the user's wish to stop.

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "host/amount.h"
 #include "host/engine.h"
+#include "host/itemresult.h"
 #include "host/runobserver.h"
 
 // What came of the runs so far, for one node of the upper three levels or, without a name, for the whole tree.

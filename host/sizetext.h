@@ -3,18 +3,6 @@
 #include <cstdint>
 #include <string>
 
-// A count of items and the bytes that they take.
-struct Amount {
-    uint64_t items = 0;
-    uint64_t bytes = 0;
-
-    Amount& operator+=(const Amount& other) noexcept {
-        items += other.items;
-        bytes += other.bytes;
-        return *this;
-    }
-};
-
 // A number with its thousands apart: 1,234,567.
 std::wstring GroupedNumber(uint64_t number);
 // A size to read at a glance, in units of 1024 with one decimal, rounded down: 3.1 MB. Below 1 KB it is exact.

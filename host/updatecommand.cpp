@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "host/amount.h"
 #include "host/cancel.h"
 #include "host/enginemodule.h"
 #include "host/hosterror.h"

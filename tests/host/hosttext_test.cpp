@@ -2,7 +2,9 @@
 
 #include "host/columns.h"
 #include "host/itemstate.h"
+#include "host/printable.h"
 #include "host/progressline.h"
+#include "host/sizetext.h"
 
 TEST(HostText, SizesAreReadableAndExact) {
     EXPECT_EQ(FullSize(1), L"1 byte");
