@@ -82,8 +82,7 @@ std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& opt
 
 ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
     if (options.json && !options.yes && !options.dryRun)
-        throw CHostError(L"clean --json asks no question: add --yes to delete, or --dry-run to look only",
-                         ExitStatus::WrongUsage);
+        throw CUsageError(L"clean --json asks no question: add --yes to delete, or --dry-run to look only");
     const CCancel cancel;
     const CEngine engine(options);
     if (const auto status = Prepare(engine, options, console, cancel)) return *status;

@@ -17,8 +17,7 @@ struct Source {
 };
 
 Source SourceOf(const EngineOptions& options) {
-    if (!options.upgradeMode)
-        return {"GetImp", Utf8ToWide(options.rules), Utf8ToWide(options.text), L"check the path after --rules"};
+    if (!options.upgradeMode) return {"GetImp", options.rules, options.text, L"check the path after --rules"};
     const CString folder = ExecutableFolder();
     CString text = JoinPath(folder, L"ResIDText.xml");
     if (GetFileAttributesW(text.c_str()) == INVALID_FILE_ATTRIBUTES) text.clear();
@@ -72,7 +71,7 @@ CEngine::CEngine(const EngineOptions& options) {
     LoadRules(*m_engine, source.rules);
     m_paths.emplace(*m_engine);
     if (!source.text.empty()) LoadNames(*m_engine, source.text);
-    for (const std::string& prefix : options.allowed)
-        m_engine->AddAllowedPath(Utf8ToWide(prefix).c_str());
+    for (const std::wstring& prefix : options.allowed)
+        m_engine->AddAllowedPath(prefix.c_str());
     ApplySelection(*m_engine, options.selection, Paths(), CNodePaths(*m_engine));
 }

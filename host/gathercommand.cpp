@@ -10,6 +10,11 @@ void AddGatherOptions(CLI::App& command, GatherOptions& options) {
     command.add_flag("--json", options.json, "Print one JSON document, with every item, and nothing else");
 }
 
+void WarnWhenNothingIsSelected(IDregsweep& engine, CConsole& console) {
+    if (!IsAnythingSelected(engine))
+        console.err.Line(L"dsw: nothing is selected: choose with --all, --only or --select");
+}
+
 ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
     const CCancel cancel;
     const CEngine engine(options);

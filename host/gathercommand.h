@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/command.h"
-#include "host/engineoptions.h"
+#include "host/ruleoptions.h"
 
 struct GatherOptions : EngineOptions {
     bool items = false;
@@ -14,4 +14,5 @@ void AddGatherCommand(CLI::App& parent, CommandAction& action, bool upgradeMode)
 
 // What "gather" and "clean" have in common: rules, selection, --items and --json.
 void AddGatherOptions(CLI::App& command, GatherOptions& options);
-ExitStatus RunGather(const GatherOptions& options, CConsole& console);
+// Says on the error output that nothing is going to be found.
+void WarnWhenNothingIsSelected(IDregsweep& engine, CConsole& console);

@@ -3,18 +3,16 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "host/exitstatus.h"
 #include "sysservices/text.h"
 
-// Why a command cannot go on: one line for the user that names the file and what to do. Ends the command.
+// Why a host cannot go on: one line for the user that names the file and what to do.
 class CHostError : public std::runtime_error {
 public:
-    explicit CHostError(std::wstring_view message, ExitStatus status = ExitStatus::Failed)
-        : std::runtime_error(WideToUtf8(message)),
-          m_status(status) {}
+    explicit CHostError(std::wstring_view message) : std::runtime_error(WideToUtf8(message)) {}
+};
 
-    ExitStatus Status() const noexcept { return m_status; }
-
-private:
-    ExitStatus m_status;
+// The same, where what the user asked for makes no sense.
+class CUsageError : public CHostError {
+public:
+    using CHostError::CHostError;
 };

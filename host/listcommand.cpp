@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "host/engine.h"
+#include "host/ruleoptions.h"
 #include "host/treeview.h"
 
 namespace {

@@ -91,8 +91,8 @@ int wmain(int count, wchar_t** arguments) {
     ExitStatus status = ExitStatus::Failed;
     try {
         status = Run(count, arguments, console);
-    } catch (const CHostError& error) {
-        status = error.Status();
+    } catch (const CUsageError& error) {
+        status = ExitStatus::WrongUsage;
         ShowError(error, console);
     } catch (const std::exception& error) {
         ShowError(error, console);

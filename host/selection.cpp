@@ -10,8 +10,6 @@ namespace {
 
 using Kind = SelectionStep::Kind;
 
-constexpr const char* kGroup = "Selecting (in the order given; dsw list --help explains patterns)";
-
 // What stands below a deselected node is off, whatever the rule file says of it. Make the states say so, too: the
 // engine derives the state of the node from them when one of them is selected, and the others would come on with it.
 void SwitchOffBelowDeselected(IDregsweep& engine) {
@@ -85,32 +83,6 @@ bool Matches(std::wstring_view path, std::wstring_view pattern) noexcept {
 
 }  // namespace
 
-void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
-    const auto add = [&](const char* name, Kind kind, const char* description) {
-        const auto append = [&steps, kind](const std::string& pattern) { steps.push_back({kind, pattern}); };
-        command.add_option_function<std::string>(name, append, description)
-            ->type_name("PATTERN")
-            ->group(kGroup)
-            ->trigger_on_parse();
-    };
-    const auto addFlag = [&](const char* name, Kind kind, const char* description) {
-        command
-            .add_flag_callback(
-                name,
-                [&steps, kind] {
-                    steps.push_back({kind, {}});
-                },
-                description)
-            ->group(kGroup)
-            ->trigger_on_parse();
-    };
-    addFlag("--all", Kind::All, "Select everything, also what the rule file leaves off");
-    addFlag("--none", Kind::None, "Select nothing");
-    add("--only", Kind::Only, "Select what matches, with all that is below, and nothing else; a further one adds");
-    add("--select", Kind::Select, "Select what matches, with all that is below, too");
-    add("--deselect", Kind::Deselect, "Deselect what matches, with all that is below");
-}
-
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
                     const CNodePaths& localised) {
     bool isFirstOnly = true;
@@ -120,22 +92,20 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
             continue;
         }
         if (kind == Kind::Only && std::exchange(isFirstOnly, false)) SetAll(engine, false);
-        const CString wanted = ToLower(Utf8ToWide(pattern));
+        const CString wanted = ToLower(pattern);
         const auto matches = [&](const IEUObject& node) {
             return Matches(ToLower(original.Of(node)), wanted) || Matches(ToLower(localised.Of(node)), wanted);
         };
         if (!SetMatching(engine, kind != Kind::Deselect, matches))
-            throw CHostError(
-                L"nothing matches the pattern \"" + Utf8ToWide(pattern) + L"\": dsw list shows the paths to match",
-                ExitStatus::WrongUsage);
+            throw CUsageError(L"nothing matches the pattern \"" + pattern + L"\": dsw list shows the paths to match");
     }
 }
 
-void WarnWhenNothingIsSelected(IDregsweep& engine, CConsole& console) {
+bool IsAnythingSelected(IDregsweep& engine) {
     bool isAnything = false;
     WalkTree(engine, [&isAnything](auto& node, size_t) {
         isAnything = isAnything || node.GetState() != SelectionNone;
         return false;
     });
-    if (!isAnything) console.err.Line(L"dsw: nothing is selected: choose with --all, --only or --select");
+    return isAnything;
 }

@@ -239,7 +239,9 @@ TEST_F(Dsw, StopsARunAtTheNextNotification) {
     m_folder.Write(L"junk\\a");
     CConsole console;
     const CCancel cancel;
-    const CEngine engine({false, WideToUtf8(WriteRules()), {}, {}, {}});
+    EngineOptions options;
+    options.rules = WriteRules();
+    const CEngine engine(options);
     CRunObserver observer(*engine, console, cancel, /*listItems=*/false);
     EXPECT_TRUE(CCancel::Request());
     EXPECT_EQ(observer.Run(&IDregsweep::Gather), ExitStatus::Stopped);
