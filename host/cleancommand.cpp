@@ -4,6 +4,7 @@
 #include "host/hosterror.h"
 #include "host/resulttable.h"
 #include "host/runjson.h"
+#include "host/runview.h"
 #include "host/sizetext.h"
 
 namespace {
@@ -64,8 +65,8 @@ std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& opt
                                   const CCancel& cancel) {
     WarnWhenNothingIsSelected(*engine, console);
     // With --yes the list of what became of the items says the same as one of what was found.
-    CRunObserver observer(*engine, console, cancel, options.items && !options.json && (options.dryRun || !options.yes));
-    const ExitStatus status = observer.Run(&IDregsweep::Gather);
+    CRunView view(console, cancel, options.items && !options.json && (options.dryRun || !options.yes));
+    const ExitStatus status = view.Finish(CRunObserver(*engine, view).Run(&IDregsweep::Gather));
     const bool goOn = status == ExitStatus::Done && !options.dryRun;
     const RunResult found = CollectResult(engine, nullptr, options.json && !goOn);
     if (!options.json) {
@@ -86,8 +87,9 @@ ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
     const CCancel cancel;
     const CEngine engine(options);
     if (const auto status = Prepare(engine, options, console, cancel)) return *status;
-    CRunObserver observer(*engine, console, cancel, options.items && !options.json);
-    const ExitStatus status = observer.Run(&IDregsweep::Clean);
+    CRunView view(console, cancel, options.items && !options.json);
+    CRunObserver observer(*engine, view);
+    const ExitStatus status = view.Finish(observer.Run(&IDregsweep::Clean));
     const RunResult result = CollectResult(engine, &observer, /*withItems=*/true);
     if (options.json) {
         PrintRunJson(console.out, "clean", status, /*cleaned=*/true, result);

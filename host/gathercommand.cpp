@@ -2,6 +2,7 @@
 
 #include "host/resulttable.h"
 #include "host/runjson.h"
+#include "host/runview.h"
 
 void AddGatherOptions(CLI::App& command, GatherOptions& options) {
     if (!options.upgradeMode) AddFileOptions(command, options);
@@ -19,8 +20,8 @@ ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
     const CCancel cancel;
     const CEngine engine(options);
     WarnWhenNothingIsSelected(*engine, console);
-    CRunObserver observer(*engine, console, cancel, options.items && !options.json);
-    const ExitStatus status = observer.Run(&IDregsweep::Gather);
+    CRunView view(console, cancel, options.items && !options.json);
+    const ExitStatus status = view.Finish(CRunObserver(*engine, view).Run(&IDregsweep::Gather));
     const RunResult result = CollectResult(engine, nullptr, options.json);
     if (options.json) {
         PrintRunJson(console.out, "gather", status, /*cleaned=*/false, result);

@@ -1,27 +1,25 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "dregsweep/idregsweep.h"
-#include "host/cancel.h"
-#include "host/exitstatus.h"
+#include "host/irunview.h"
 #include "host/itemresult.h"
-#include "host/progressline.h"
 #include "sysservices/reference.h"
 
-// What the host does with the notifications of one run: shows progress, lists items, keeps what a clean reports, and
-// passes on the user's wish to stop.
+// What every host does with the notifications of one run: keeps what a clean reports, finds out why an item was left,
+// and passes the rest on to what the host shows.
 class CRunObserver final : public IDregsweepCallback {
 public:
-    // Items go to the standard output, each under its category, as they are reported; they take the place of the
-    // progress line where both would share a terminal.
-    CRunObserver(IDregsweep& engine, CConsole& console, const CCancel& cancel, bool listItems);
+    // How a run ended: stopped by the user, or given up when memory ran out.
+    enum class Outcome { Done, Stopped, GivenUp };
 
-    // Does the run, IDregsweep::Gather or Clean, and tells on the error output when it did not go to its end.
-    ExitStatus Run(bool (IDregsweep::*run)(IDregsweepCallback*));
+    CRunObserver(IDregsweep& engine, IRunView& view);
+
+    // Does the run, IDregsweep::Gather or Clean.
+    Outcome Run(bool (IDregsweep::*run)(IDregsweepCallback*));
 
     bool StepNotify1(uint64_t node) override;
     bool StepNotify2(uint64_t node) override;
@@ -40,17 +38,11 @@ private:
         uint64_t items;  // in its totals before the run
     };
 
-    bool GoOn() const noexcept { return !m_cancel.Requested(); }
+    bool GoOn() const noexcept { return !m_view.StopRequested(); }
     uint64_t ItemsOfRule() const noexcept;
-    void List(const ItemResult& item, uint64_t category);
 
     IDregsweep& m_engine;
-    CConsole& m_console;
-    const CCancel& m_cancel;
-    const bool m_listItems;
-    CProgressLine m_progress;
-    std::wstring m_application;
-    uint64_t m_listedCategory = 0;
+    IRunView& m_view;
     std::vector<CountedRule> m_rules;
-    std::unordered_map<uint64_t, std::vector<ItemResult>> m_reported;  // by the category's pointer
+    std::unordered_map<const IGarbageCatagory*, std::vector<ItemResult>> m_reported;
 };

@@ -9,7 +9,7 @@
 
 #include "host/cleancommand.h"
 #include "host/engine.h"
-#include "host/runobserver.h"
+#include "host/runview.h"
 #include "host/updatecommand.h"
 #include "sysservices/handle.h"
 #include "tests/support/iatpatch.h"
@@ -242,9 +242,10 @@ TEST_F(Dsw, StopsARunAtTheNextNotification) {
     EngineOptions options;
     options.rules = WriteRules();
     const CEngine engine(options);
-    CRunObserver observer(*engine, console, cancel, /*listItems=*/false);
+    CRunView view(console, cancel, /*listItems=*/false);
+    CRunObserver observer(*engine, view);
     EXPECT_TRUE(CCancel::Request());
-    EXPECT_EQ(observer.Run(&IDregsweep::Gather), ExitStatus::Stopped);
+    EXPECT_EQ(view.Finish(observer.Run(&IDregsweep::Gather)), ExitStatus::Stopped);
     EXPECT_EQ(engine->GetTotalCount(), 0U);
     EXPECT_FALSE(CCancel::Request()) << "a second one may end the process at once";
 }
