@@ -1,10 +1,7 @@
 #include "host/engine.h"
 
-#include <tinyxml.h>
-
-#include "host/check/checkfile.h"
 #include "host/hosterror.h"
-#include "sysservices/xmldocument.h"
+#include "host/xmlfile.h"
 
 namespace {
 
@@ -27,16 +24,20 @@ Source SourceOf(const EngineOptions& options) {
 // The engine takes a file that is missing or no XML for an empty one, so look before it does. `name` and `remedy` are
 // for the message.
 void RequireXml(const CString& path, const CString& name, const CString& remedy) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) throw CHostError(L"cannot find " + name + L": " + remedy);
-    if (attributes & FILE_ATTRIBUTE_DIRECTORY) throw CHostError(name + L" is a folder: " + remedy);
     TiXmlDocument document;
-    if (LoadXmlDocument(path.c_str(), document)) return;
-    if (!document.Error())
-        throw CHostError(L"cannot read " + name + L": it is empty, open in another program, or nested too deeply");
-    CString line;
-    if (document.ErrorRow() > 0) line = L", line " + std::to_wstring(document.ErrorRow()) + L",";
-    throw CHostError(name + line + L" is no well-formed XML: " + WhyNotWellFormed(document));
+    const auto fault = LoadXmlFile(path, document);
+    if (!fault) return;
+    switch (fault->kind) {
+        case XmlFileFault::Kind::Missing:
+            throw CHostError(L"cannot find " + name + L": " + remedy);
+        case XmlFileFault::Kind::Folder:
+            throw CHostError(name + L" is a folder: " + remedy);
+        case XmlFileFault::Kind::Unreadable:
+            throw CHostError(L"cannot read " + name + L": " + fault->reason);
+        case XmlFileFault::Kind::NotWellFormed:
+            const CString line = fault->line > 0 ? L", line " + std::to_wstring(fault->line) + L"," : CString();
+            throw CHostError(name + line + L" is no well-formed XML: " + fault->reason);
+    }
 }
 
 [[noreturn]] void ThrowUnusable(const CString& rules) {

@@ -7,6 +7,3 @@
 // Reads an XML file as the engine does, deep nesting refused, and tells why when that fails. False then; otherwise the
 // document has a root element.
 [[nodiscard]] bool LoadCheckedFile(const std::wstring& path, TiXmlDocument& document, CCheckFindings& findings);
-
-// Why a document that was read is no XML, in words for the author of the file.
-[[nodiscard]] std::wstring WhyNotWellFormed(const TiXmlDocument& document);
