@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 
 CReference<IDregsweep> Bench::LoadEngine(const std::string& rules) const {
     const std::wstring path = WriteBenchFile(L"rules.xml", "<Rules>" + rules + "</Rules>");

@@ -5,7 +5,7 @@
 #include "bench/filetree.h"
 #include "bench/measure.h"
 #include "dregsweep/idregsweep.h"
-#include "host/enginemodule.h"
+#include "host/common/enginemodule.h"
 
 // What every row is given: the engine, the files that several rows share, and how much to do.
 class Bench {

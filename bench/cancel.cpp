@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bench/rows.h"
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "bench/rows.h"
 #include "bench/stubs.h"
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 #include "sysservices/handle.h"
 #include "tests/support/loopbackhttp.h"
 #include "update/inethandle.h"

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 #include "sysservices/handle.h"
 
 namespace {

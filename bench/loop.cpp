@@ -7,7 +7,7 @@
 
 #include "bench/barewalk.h"
 #include "bench/rows.h"
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 #include "sysservices/filesearch.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "host/check/checkfile.h"
 
-#include "host/xmlfile.h"
+#include "host/common/xmlfile.h"
 #include "sysservices/text.h"
 
 namespace {

@@ -32,14 +32,12 @@ std::wstring FindingLine(const CheckFinding& finding) {
            + finding.code.name + L']';
 }
 
-void PrintFindings(COutput& out, const std::vector<CheckFinding>& findings) {
-    for (const CheckFinding& finding : findings)
-        out.Line(FindingLine(finding));
-    out.Line(CountText(findings, CheckSeverity::Error) + L", " + CountText(findings, CheckSeverity::Warning) + L", "
-             + CountText(findings, CheckSeverity::Note));
+std::wstring SummaryLine(const std::vector<CheckFinding>& findings) {
+    return CountText(findings, CheckSeverity::Error) + L", " + CountText(findings, CheckSeverity::Warning) + L", "
+           + CountText(findings, CheckSeverity::Note);
 }
 
-void PrintFindingsJson(COutput& out, const std::vector<CheckFinding>& findings) {
+std::string FindingsJson(const std::vector<CheckFinding>& findings) {
     auto list = nlohmann::ordered_json::array();
     for (const CheckFinding& finding : findings) {
         list.push_back({{"file", WideToUtf8(finding.file)},
@@ -52,7 +50,7 @@ void PrintFindingsJson(COutput& out, const std::vector<CheckFinding>& findings) 
                                              {"warnings", CountFindings(findings, CheckSeverity::Warning)},
                                              {"notes", CountFindings(findings, CheckSeverity::Note)},
                                              {"findings", list}};
-    out.Write(Utf8ToWide(document.dump(2) + '\n'));
+    return document.dump(2);
 }
 
 size_t CountFindings(const std::vector<CheckFinding>& findings, CheckSeverity severity) {

@@ -7,10 +7,10 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "host/cleancommand.h"
-#include "host/engine.h"
-#include "host/runview.h"
-#include "host/updatecommand.h"
+#include "host/common/engine.h"
+#include "host/console/command.h"
+#include "host/console/runview.h"
+#include "host/console/updatecommand.h"
 #include "sysservices/handle.h"
 #include "tests/support/iatpatch.h"
 #include "tests/support/loopbackhttp.h"

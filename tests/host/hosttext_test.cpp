@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "host/columns.h"
-#include "host/itemstate.h"
-#include "host/printable.h"
-#include "host/progressline.h"
-#include "host/sizetext.h"
+#include "host/common/itemstate.h"
+#include "host/common/printable.h"
+#include "host/common/sizetext.h"
+#include "host/console/columns.h"
+#include "host/console/progressline.h"
 
 TEST(HostText, SizesAreReadableAndExact) {
     EXPECT_EQ(FullSize(1), L"1 byte");

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "dregsweep/dregsweep.h"
-#include "host/children.h"
+#include "host/common/treewalk.h"
 #include "rules/garbageinfo.h"
 #include "sysservices/xmlattribute.h"
 #include "sysservices/xmldocument.h"

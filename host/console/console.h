@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/console/cancel.h"
+#include "host/console/output.h"
+
+// The standard streams of the process.
+class CConsole {
+public:
+    CConsole() noexcept : out(GetStdHandle(STD_OUTPUT_HANDLE)), err(GetStdHandle(STD_ERROR_HANDLE)) {}
+
+    // Puts the question and reads a line; nothing at the end of the input or after Ctrl-C.
+    std::optional<std::wstring> Ask(std::wstring_view question, const CCancel& cancel);
+
+    COutput out;
+    COutput err;
+};

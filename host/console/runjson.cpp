@@ -1,0 +1,52 @@
+#include "host/console/runjson.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* Outcome(ExitStatus status) noexcept {
+    if (status == ExitStatus::Done) return "done";
+    return status == ExitStatus::Stopped ? "stopped" : "failed";
+}
+
+Json ToJson(const Amount& amount) {
+    return {{"count", amount.items}, {"bytes", amount.bytes}};
+}
+
+Json ToJson(const ItemResult& item) {
+    Json json = {{"path", WideToUtf8(item.path)}, {"state", WideToUtf8(Text(item.state))}};
+    json.update(ToJson(item.amount));
+    return json;
+}
+
+void AddAmounts(Json& json, const RunResult& result) {
+    json["found"] = ToJson(result.found);
+    json["deleted"] = ToJson(result.deleted);
+    json["left"] = ToJson(result.left);
+}
+
+// `levels` are the names of the lists of children, the next one first; the items are on the lowest level.
+Json ToJson(const RunResult& result, const char* const* levels) {
+    Json json = {{"name", WideToUtf8(result.name)}, {"path", WideToUtf8(result.path)}};
+    AddAmounts(json, result);
+    Json& list = json[*levels] = Json::array();
+    for (const RunResult& child : result.children)
+        list.push_back(ToJson(child, levels + 1));
+    for (const ItemResult& item : result.items)
+        list.push_back(ToJson(item));
+    return json;
+}
+
+}  // namespace
+
+void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cleaned, const RunResult& result) {
+    constexpr const char* kLevels[] = {"applications", "garbageCategories", "items"};
+    Json json = {{"command", command}, {"outcome", Outcome(status)}, {"cleaned", cleaned}};
+    AddAmounts(json, result);
+    Json& categories = json["categories"] = Json::array();
+    for (const RunResult& category : result.children)
+        categories.push_back(ToJson(category, kLevels));
+    out.Write(Utf8ToWide(json.dump(2) + '\n'));
+}

@@ -1,9 +1,0 @@
-#pragma once
-
-#include "host/console.h"
-#include "host/exitstatus.h"
-#include "host/runresult.h"
-
-// Prints the result of "gather" or "clean" as one JSON document, which docs/dsw-output.schema.json describes.
-// `cleaned` tells whether a clean was begun.
-void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cleaned, const RunResult& result);

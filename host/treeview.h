@@ -1,8 +1,0 @@
-#pragma once
-
-#include "host/console.h"
-#include "host/engine.h"
-
-// Prints the four levels with their check boxes: [x] all selected, [-] partly, [ ] none. Behind each node stands its
-// path, for selecting.
-void PrintTree(COutput& out, const CEngine& engine);
