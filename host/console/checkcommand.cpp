@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "host/check/checkpack.h"
-#include "host/check/checkreport.h"
+#include "host/check/pack.h"
+#include "host/check/report.h"
 #include "sysservices/text.h"
 
 namespace {
@@ -14,13 +14,13 @@ struct CheckOptions {
     bool json = false;
 };
 
-void PrintText(COutput& out, const std::vector<CheckFinding>& findings) {
-    for (const CheckFinding& finding : findings)
+void PrintText(COutput& out, const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings)
         out.Line(FindingLine(finding));
     out.Line(SummaryLine(findings));
 }
 
-void PrintJson(COutput& out, const std::vector<CheckFinding>& findings) {
+void PrintJson(COutput& out, const std::vector<Finding>& findings) {
     out.Write(Utf8ToWide(FindingsJson(findings) + '\n'));
 }
 
@@ -30,7 +30,7 @@ ExitStatus RunCheck(const CheckOptions& options, CConsole& console) {
         rules.push_back(Utf8ToWide(path));
     const auto findings = CheckPack(rules, Utf8ToWide(options.text));
     options.json ? PrintJson(console.out, findings) : PrintText(console.out, findings);
-    return CountFindings(findings, CheckSeverity::Error) > 0 ? ExitStatus::Failed : ExitStatus::Done;
+    return CountFindings(findings, Severity::Error) > 0 ? ExitStatus::Failed : ExitStatus::Done;
 }
 
 }  // namespace

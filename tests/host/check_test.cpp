@@ -2,17 +2,17 @@
 
 #include <span>
 
-#include "host/check/checkpack.h"
-#include "host/check/checkreport.h"
+#include "host/check/pack.h"
+#include "host/check/report.h"
 #include "sysservices/text.h"
 #include "tests/support/tempfolder.h"
 
 namespace {
 
 // "LINE", the first letter of the severity, " CODE" of each finding.
-std::string Brief(std::span<const CheckFinding> findings) {
+std::string Brief(std::span<const Finding> findings) {
     std::string all;
-    for (const CheckFinding& finding : findings)
+    for (const Finding& finding : findings)
         all += (all.empty() ? "" : ", ") + std::to_string(finding.line) + "EWN"[static_cast<int>(finding.code.severity)]
                + ' ' + WideToUtf8(finding.code.name);
     return all;

@@ -21,9 +21,9 @@ for broken in tests/samples/broken/rules-*.xml; do
     [ "$status" = 1 ] && grep -q '"errors": [1-9]' <<<"$output" || fail "status $status: $broken"
 done
 for name in $(sed -n 's/.*<xs:attribute name="\([A-Za-z0-9]*\)".*/\1/p' docs/rule-file.xsd | sort -u); do
-    grep -q "{\"$name\", " host/check/checkschema.cpp || fail "not in host/check/checkschema.cpp: $name"
+    grep -q "{\"$name\", " host/check/schema.cpp || fail "not in host/check/schema.cpp: $name"
 done
-for code in $(sed -n 's/.*CheckCode k.*{L"\([a-z-]*\)".*/\1/p' host/check/checkcode.h); do
+for code in $(sed -n 's/.*FindingCode k.*{L"\([a-z-]*\)".*/\1/p' host/check/finding.h); do
     grep -q "^| \`$code\` |" docs/rules.md || fail "not in docs/rules.md: $code"
     grep -q "\"$code\"" docs/dsw-check.schema.json || fail "not in docs/dsw-check.schema.json: $code"
 done

@@ -8,15 +8,15 @@
 // The folders of Windows as they are on most machines, so that a rule can be judged on any. Paths are lower-cased and
 // have no drive: "" is the root of one, "\users\me" stands for every profile.
 
-struct CheckFolder {
+struct KnownFolder {
     int32_t index;            // CSIDL, or -1
     const wchar_t* variable;  // environment variable, or null
     const wchar_t* path;      // null: a folder of the shell, without a path
 };
 
 // Null when Windows has no such folder or variable of its own.
-const CheckFolder* FindCheckFolder(int32_t index);
-const CheckFolder* FindCheckFolder(std::wstring_view variable);
+const KnownFolder* FindKnownFolder(int32_t index);
+const KnownFolder* FindKnownFolder(std::wstring_view variable);
 // The variables that name folders.
 std::vector<std::wstring> FolderVariables();
 

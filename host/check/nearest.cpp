@@ -1,4 +1,4 @@
-#include "host/check/checknearest.h"
+#include "host/check/nearest.h"
 
 #include <algorithm>
 #include <array>

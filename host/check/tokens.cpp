@@ -1,4 +1,4 @@
-#include "host/check/checktoken.h"
+#include "host/check/rulechecks.h"
 
 #include <cwctype>
 
@@ -26,10 +26,9 @@ TokenForm FormOf(const std::wstring& token) noexcept {
     return token.find(L'.') != std::wstring::npos ? TokenForm::WholeName : TokenForm::Either;
 }
 
-void CheckReach(const ContainmentSet& tokens, const std::wstring& token, const TiXmlBase& place,
-                CCheckFindings& findings) {
+void CheckReach(const ContainmentSet& tokens, const std::wstring& token, const TiXmlBase& place, CFindings& findings) {
     if (token.find_first_of(L"*?\"<>:/\\") != std::wstring::npos) {
-        findings.Add(CheckCodes::kImpossibleToken, place,
+        findings.Add(FindingCodes::kImpossibleToken, place,
                      L"\"" + token + L"\" keeps nothing: tokens are parts of names, without wildcards");
         return;
     }
@@ -38,20 +37,20 @@ void CheckReach(const ContainmentSet& tokens, const std::wstring& token, const T
     if (form == TokenForm::WholeName) return;
     const std::wstring name = FindUnprotected(tokens, token);
     if (name.empty()) return;
-    findings.Add(form == TokenForm::Part ? CheckCodes::kUnreachableToken : CheckCodes::kWholeNameToken, place,
+    findings.Add(form == TokenForm::Part ? FindingCodes::kUnreachableToken : FindingCodes::kWholeNameToken, place,
                  L"\"" + token + L"\" does not keep \"" + name + L"\": the order of the tokens hides it");
 }
 
 }  // namespace
 
-void CheckTokens(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckTokens(const CheckedRule& rule, CFindings& findings) {
     const TiXmlBase& place = rule.PlaceOf("ExcludeFilter");
     ContainmentSet tokens;
     for (const std::wstring& token : Split(AttributeText(rule.element, "ExcludeFilter"), L"|")) {
         const auto [equivalent, isNew] = tokens.insert(token);
         // What contains a dropped token that contains the other is excluded all the same.
         if (isNew || token.find(*equivalent) != std::wstring::npos) continue;
-        findings.Add(CheckCodes::kDroppedToken, place,
+        findings.Add(FindingCodes::kDroppedToken, place,
                      L"\"" + token + L"\" is dropped, since \"" + *equivalent + L"\" stands before it");
     }
     for (const std::wstring& token : tokens)

@@ -1,4 +1,4 @@
-#include "host/check/checkrule.h"
+#include "host/check/rule.h"
 
 #include <cstring>
 
@@ -27,9 +27,9 @@ CheckedRule::CheckedRule(const TiXmlElement& ruleElement)
       filter(Has("Filter") ? AttributeText(element, "Filter") : L"*"),
       useShellBrowse(HasBase() && ReadInteger(element, "UseShellBrowse", 0) != 0) {
     if (folderIndex != -1)
-        base = FindCheckFolder(folderIndex);
+        base = FindKnownFolder(folderIndex);
     else if (!variable.empty())
-        base = FindCheckFolder(variable);
+        base = FindKnownFolder(variable);
     Locate();
     ReadChildren();
 }

@@ -1,4 +1,4 @@
-#include "host/check/checkduplicate.h"
+#include "host/check/rulechecks.h"
 
 #include <algorithm>
 #include <set>
@@ -37,10 +37,10 @@ std::wstring Signature(const CheckedRule& rule) {
 
 }  // namespace
 
-void CDuplicateCheck::Add(const CheckedRule& rule, bool isForXp, CCheckFindings& findings) {
+void CDuplicateCheck::Add(const CheckedRule& rule, bool isForXp, CFindings& findings) {
     const std::wstring signature = (isForXp ? L"xp\n" : L"") + Signature(rule);
     const auto [first, isNew] = m_lines.try_emplace(signature, rule.element.Row());
     if (isNew) return;
-    findings.Add(CheckCodes::kDuplicateRule, rule.element,
+    findings.Add(FindingCodes::kDuplicateRule, rule.element,
                  L"this rule does the same as that of line " + std::to_wstring(first->second));
 }

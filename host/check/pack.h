@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/check/checkfinding.h"
+#include "host/check/finding.h"
 
 // Checks rule files and, unless its path is empty, the text file that they share. Nothing but these files is read. The
 // findings come file by file in the order of the arguments, the text file last, and by line within each.
-std::vector<CheckFinding> CheckPack(const std::vector<std::wstring>& ruleFiles, const std::wstring& textFile);
+std::vector<Finding> CheckPack(const std::vector<std::wstring>& ruleFiles, const std::wstring& textFile);

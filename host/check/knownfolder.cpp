@@ -1,4 +1,4 @@
-#include "host/check/checkfolder.h"
+#include "host/check/knownfolder.h"
 
 #include <windows.h>
 #include <shlobj.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr CheckFolder kFolders[] = {
+constexpr KnownFolder kFolders[] = {
     {-1, L"SystemDrive", L""},
     {-1, L"HOMEDRIVE", L""},
     {CSIDL_WINDOWS, L"SystemRoot", L"\\windows"},
@@ -135,15 +135,15 @@ std::wstring_view WithoutRoot(std::wstring_view path) noexcept {
 
 }  // namespace
 
-const CheckFolder* FindCheckFolder(int32_t index) {
+const KnownFolder* FindKnownFolder(int32_t index) {
     // The upper bits are flags of the call.
     const auto found = std::find_if(std::begin(kFolders), std::end(kFolders),
-                                    [&](const CheckFolder& folder) { return folder.index == (index & 0xFF); });
+                                    [&](const KnownFolder& folder) { return folder.index == (index & 0xFF); });
     return found == std::end(kFolders) ? nullptr : found;
 }
 
-const CheckFolder* FindCheckFolder(std::wstring_view variable) {
-    const auto found = std::find_if(std::begin(kFolders), std::end(kFolders), [&](const CheckFolder& folder) {
+const KnownFolder* FindKnownFolder(std::wstring_view variable) {
+    const auto found = std::find_if(std::begin(kFolders), std::end(kFolders), [&](const KnownFolder& folder) {
         return folder.variable && EqualIgnoringCase(folder.variable, variable);
     });
     return found == std::end(kFolders) ? nullptr : found;
@@ -151,7 +151,7 @@ const CheckFolder* FindCheckFolder(std::wstring_view variable) {
 
 std::vector<std::wstring> FolderVariables() {
     std::vector<std::wstring> names;
-    for (const CheckFolder& folder : kFolders) {
+    for (const KnownFolder& folder : kFolders) {
         if (folder.variable) names.emplace_back(folder.variable);
     }
     return names;
@@ -179,7 +179,7 @@ bool IsPreciousFolder(std::wstring_view normalPath) {
     if (std::any_of(std::begin(kPreciousFolders), std::end(kPreciousFolders), isAt)) return true;
     if (std::any_of(std::begin(kJunkFolders), std::end(kJunkFolders), isLast)) return false;
     return std::any_of(std::begin(kFolders), std::end(kFolders),
-                       [&](const CheckFolder& folder) { return isAt(folder.path); });
+                       [&](const KnownFolder& folder) { return isAt(folder.path); });
 }
 
 bool IsProgramFolder(std::wstring_view normalPath) {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/check/checkfinding.h"
-#include "host/check/checkfolder.h"
+#include "host/check/finding.h"
+#include "host/check/knownfolder.h"
 
 // One rule ("GarbageInfo") as the engine reads it, but for what depends on the machine.
 struct CheckedRule {
@@ -38,7 +38,7 @@ struct CheckedRule {
     std::wstring path;
     std::wstring filter;
     bool useShellBrowse;                // never without a base folder
-    const CheckFolder* base = nullptr;  // null when there is none, or none that every Windows has
+    const KnownFolder* base = nullptr;  // null when there is none, or none that every Windows has
     bool hasLocation = false;
     std::wstring location;  // in normal form; with GetByReg what it is when the registry has nothing
 

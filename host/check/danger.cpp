@@ -1,4 +1,4 @@
-#include "host/check/checkdanger.h"
+#include "host/check/rulechecks.h"
 
 #include <algorithm>
 
@@ -16,22 +16,22 @@ bool GoesEverywhere(const CheckedRule& rule) {
               });
 }
 
-void CheckRegistryValues(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckRegistryValues(const CheckedRule& rule, CFindings& findings) {
     if (!rule.Has("Value") || !Split(AttributeText(rule.element, "Value"), L"|").empty()) return;
-    findings.Add(CheckCodes::kAllValues, rule.PlaceOf("Value"), L"Value names nothing, so all values are deleted");
+    findings.Add(FindingCodes::kAllValues, rule.PlaceOf("Value"), L"Value names nothing, so all values are deleted");
 }
 
-void CheckRelative(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckRelative(const CheckedRule& rule, CFindings& findings) {
     if (rule.HasBase() || rule.getByReg || rule.path.empty() || IsAbsolutePath(rule.path)) return;
-    findings.Add(CheckCodes::kRelativeLocation, rule.PlaceOf("Path"),
+    findings.Add(FindingCodes::kRelativeLocation, rule.PlaceOf("Path"),
                  L"\"" + rule.path + L"\" is relative to the current folder, whatever that is: give a base folder");
 }
 
 // Nothing is said of one folder of a program below the root of a drive, whatever the pattern.
-void CheckDriveRoot(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckDriveRoot(const CheckedRule& rule, CFindings& findings) {
     const bool isWide = rule.iteration || rule.MatchesAllNames() || !rule.terminals.empty();
     if (!rule.location.empty() || !isWide || !GoesEverywhere(rule)) return;
-    findings.Add(CheckCodes::kDriveRoot, rule.element, L"this searches a whole drive: name a folder");
+    findings.Add(FindingCodes::kDriveRoot, rule.element, L"this searches a whole drive: name a folder");
 }
 
 // The location as the author gave it.
@@ -45,22 +45,22 @@ std::wstring Spelled(const CheckedRule& rule) {
     return base + rule.path;
 }
 
-void CheckWholeFolder(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckWholeFolder(const CheckedRule& rule, CFindings& findings) {
     const bool takesAll = rule.useShellBrowse || (rule.MatchesAllNames() && rule.terminals.empty());
     if (!takesAll || rule.location.empty() || !GoesEverywhere(rule)) return;
     if (IsPreciousFolder(rule.location)) {
         findings.Add(
-            CheckCodes::kWholeFolder, rule.element,
+            FindingCodes::kWholeFolder, rule.element,
             L"this takes all of " + Spelled(rule) + L" with what must stay: name a folder in it, or a pattern");
     } else if (IsProgramFolder(rule.location)) {
-        findings.Add(CheckCodes::kProgramFolder, rule.element,
+        findings.Add(FindingCodes::kProgramFolder, rule.element,
                      L"this takes all of " + Spelled(rule) + L" and the program with it: give a pattern");
     }
 }
 
 }  // namespace
 
-void CheckDanger(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckDanger(const CheckedRule& rule, CFindings& findings) {
     if (rule.isRegistry) return CheckRegistryValues(rule, findings);
     if (rule.IsVirtual()) return;
     CheckRelative(rule, findings);

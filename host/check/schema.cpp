@@ -1,18 +1,129 @@
-#include "host/check/checkschema.h"
+#include "host/check/schema.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
+#include <limits>
+#include <optional>
 #include <span>
+#include <utility>
 
-#include "host/check/checknearest.h"
-#include "host/check/checkvalue.h"
+#include "cleaners/emptyprocname.h"
+#include "host/check/nearest.h"
+#include "rules/rootkeyname.h"
 #include "sysservices/text.h"
 
 namespace {
 
+// What an attribute may hold.
+enum class AttributeType {
+    Text,
+    Integer,
+    Flag,
+    SelState,
+    CatagoryType,
+    FolderIndex,
+    RootKey,
+    EmptyProc,
+    Key,
+    ProductName
+};
+
+// Why a value does not fit.
+struct ValueFault {
+    FindingCode code;
+    std::wstring message;
+};
+using Fault = std::optional<ValueFault>;
+
+Fault WrongType(const wchar_t* message) {
+    return ValueFault{FindingCodes::kWrongType, message};
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const size_t begin = text.find_first_not_of(kBlanks);
+    if (begin == std::string_view::npos) return {};
+    return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+Fault NumberFault(std::string_view value, int lowest, int highest, const wchar_t* message) {
+    const std::string_view digits = TrimBlanks(value);
+    const char* const end = digits.data() + digits.size();
+    int number = 0;
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    const bool isWhole = error == std::errc() && stop == end;
+    if (isWhole && number >= lowest && number <= highest) return {};
+    return WrongType(message);
+}
+
+Fault UnknownName(const FindingCode& code, const char* value, const std::vector<std::wstring>& known) {
+    const std::wstring name = Utf8ToWide(value);
+    if (std::find(known.begin(), known.end(), name) != known.end()) return {};
+    return ValueFault{code, L"is not known" + NearestHint(name, known)};
+}
+
+Fault RootKeyFault(const char* value) {
+    std::vector<std::wstring> known;
+    for (const RootKeyName& root : kRootKeyNames)
+        known.push_back(Utf8ToWide(root.name));
+    return UnknownName(FindingCodes::kUnknownRoot, value, known);
+}
+
+// Letters beyond ASCII are taken as TinyXML takes them: any may be part of a name.
+bool IsNameByte(char c, bool first) noexcept {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool isLetter = byte >= 0x80 || c == '_' || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    return isLetter || (!first && (c == '-' || c == '.' || (c >= '0' && c <= '9')));
+}
+
+Fault KeyFault(std::string_view value) {
+    bool first = true;
+    const bool isName =
+        std::all_of(value.begin(), value.end(), [&](char c) { return IsNameByte(c, std::exchange(first, false)); });
+    if (isName && !value.empty()) return {};
+    return WrongType(L"cannot be the name of an XML element, so no text can have this key");
+}
+
+Fault ProductNameFault(const char* value) {
+    constexpr size_t kLongest = 129;
+    if (Utf8ToWide(value).size() <= kLongest) return {};
+    return WrongType(L"has more than 129 characters, such a program is never seen");
+}
+
+// Nothing when the value (UTF-8, as in the file) fits the type.
+Fault FindValueFault(AttributeType type, const char* value) {
+    constexpr int kMin = std::numeric_limits<int>::min();
+    constexpr int kMax = std::numeric_limits<int>::max();
+    switch (type) {
+        case AttributeType::Text:
+            return {};
+        case AttributeType::Integer:
+            return NumberFault(value, kMin, kMax, L"is no whole number");
+        case AttributeType::Flag:
+            return NumberFault(value, 0, 1, L"is no flag, it takes 0 or 1");
+        case AttributeType::SelState:
+            return NumberFault(value, 0, 2, L"is no state, it takes 0, 1 or 2");
+        case AttributeType::CatagoryType:
+            return NumberFault(value, 0, 3, L"is no type, it takes 0, 1, 2 or 3");
+        case AttributeType::FolderIndex:
+            return NumberFault(value, -1, kMax, L"is no folder number (CSIDL)");
+        case AttributeType::RootKey:
+            return RootKeyFault(value);
+        case AttributeType::EmptyProc:
+            return UnknownName(FindingCodes::kUnknownCleaner, value,
+                               {std::begin(kEmptyProcNames), std::end(kEmptyProcNames)});
+        case AttributeType::Key:
+            return KeyFault(value);
+        case AttributeType::ProductName:
+            return ProductNameFault(value);
+    }
+    return {};
+}
+
 struct AttributeShape {
     const char* name;
-    CheckType type;
+    AttributeType type;
     bool required = false;
 };
 
@@ -22,7 +133,7 @@ struct ElementShape {
     std::span<const ElementShape* const> children;
 };
 
-using enum CheckType;
+using enum AttributeType;
 
 constexpr AttributeShape kStepAttributes[] = {
     {"Path", Text}, {"AddPath", Text}, {"TerminalPath", Text}, {"ExactMatch", Flag}};
@@ -77,7 +188,7 @@ std::wstring Hint(std::wstring_view name, const auto& shapes) {
 
 class CSchemaCheck {
 public:
-    explicit CSchemaCheck(CCheckFindings& findings) : m_findings(findings) {}
+    explicit CSchemaCheck(CFindings& findings) : m_findings(findings) {}
 
     void CheckElement(const TiXmlElement& element, const ElementShape& shape) {
         for (const TiXmlAttribute* at = element.FirstAttribute(); at; at = at->Next())
@@ -98,7 +209,7 @@ private:
         const std::wstring name = Utf8ToWide(attribute.Name());
         if (known == shape.attributes.end()) {
             m_findings.Add(
-                CheckCodes::kUnknownAttribute, attribute,
+                FindingCodes::kUnknownAttribute, attribute,
                 L"<" + Utf8ToWide(shape.name) + L"> has no attribute \"" + name + L"\"" + Hint(name, shape.attributes));
         } else if (const auto fault = FindValueFault(known->type, attribute.Value())) {
             m_findings.Add(fault->code, attribute,
@@ -109,14 +220,14 @@ private:
     void CheckRequired(const TiXmlElement& element, const AttributeShape& attribute) {
         if (!attribute.required || element.Attribute(attribute.name)) return;
         const bool costsFile = std::strcmp(attribute.name, "Name") == 0;
-        m_findings.Add(CheckCodes::kMissingAttribute, element,
+        m_findings.Add(FindingCodes::kMissingAttribute, element,
                        L"<" + Utf8ToWide(element.Value()) + L"> has no \"" + Utf8ToWide(attribute.name)
                            + (costsFile ? L"\", the engine refuses the whole file" : L"\", the engine ignores it"));
     }
 
     void CheckChild(const TiXmlNode& node, const ElementShape& parent) {
         if (node.ToText()) {
-            m_findings.Add(CheckCodes::kStrayText, node, L"text between the elements is ignored");
+            m_findings.Add(FindingCodes::kStrayText, node, L"text between the elements is ignored");
         } else if (const TiXmlElement* child = node.ToElement()) {
             const ElementShape* shape = FindChildShape(*child, parent);
             if (shape)
@@ -131,7 +242,8 @@ private:
         for (const ElementShape* shape : parent.children) {
             if (std::strcmp(shape->name, child.Value()) == 0) return shape;
             if (&parent != &kRule || _stricmp(shape->name, child.Value()) != 0) continue;
-            m_findings.Add(CheckCodes::kNameForm, child, L"the usual form of this name is " + Utf8ToWide(shape->name));
+            m_findings.Add(FindingCodes::kNameForm, child,
+                           L"the usual form of this name is " + Utf8ToWide(shape->name));
             return shape;
         }
         return nullptr;
@@ -144,27 +256,27 @@ private:
         });
         const std::wstring where = L"<" + name + L"> is ignored in <" + Utf8ToWide(parent.name) + L">";
         if (isKnown)
-            m_findings.Add(CheckCodes::kMisplacedElement, child, where);
+            m_findings.Add(FindingCodes::kMisplacedElement, child, where);
         else
-            m_findings.Add(CheckCodes::kUnknownElement, child, where + Hint(name, parent.children));
+            m_findings.Add(FindingCodes::kUnknownElement, child, where + Hint(name, parent.children));
     }
 
     void CheckSecondXp(const TiXmlElement& element) {
         const TiXmlElement* first = element.FirstChildElement(kXp.name);
         const TiXmlElement* second = first ? first->NextSiblingElement(kXp.name) : nullptr;
-        if (second) m_findings.Add(CheckCodes::kMisplacedElement, *second, L"of several <XP> only the first is read");
+        if (second) m_findings.Add(FindingCodes::kMisplacedElement, *second, L"of several <XP> only the first is read");
     }
 
-    CCheckFindings& m_findings;
+    CFindings& m_findings;
 };
 
 }  // namespace
 
-void CheckRuleSchema(const TiXmlElement& root, CCheckFindings& findings) {
+void CheckRuleSchema(const TiXmlElement& root, CFindings& findings) {
     if (std::strcmp(root.Value(), kRoot.name) != 0)
-        findings.Add(CheckCodes::kNameForm, root, L"the usual name of the root is " + Utf8ToWide(kRoot.name));
+        findings.Add(FindingCodes::kNameForm, root, L"the usual name of the root is " + Utf8ToWide(kRoot.name));
     if (!root.FirstChildElement(kCategory.name))
-        findings.Add(CheckCodes::kNoCategory, root, L"there is no <AppCategoryInfo>, so there is nothing to load");
+        findings.Add(FindingCodes::kNoCategory, root, L"there is no <AppCategoryInfo>, so there is nothing to load");
     CSchemaCheck(findings).CheckElement(root, kRoot);
 }
 

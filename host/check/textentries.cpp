@@ -1,9 +1,9 @@
-#include "host/check/checktext.h"
+#include "host/check/textentries.h"
 
 #include <cstring>
 
-#include "host/check/checknearest.h"
-#include "host/check/checkschema.h"
+#include "host/check/nearest.h"
+#include "host/check/schema.h"
 #include "sysservices/text.h"
 
 namespace {
@@ -18,27 +18,27 @@ void CollectKeys(const TiXmlElement& element, FirstUses& keys) {
         CollectKeys(*child, keys);
 }
 
-void CheckTextSchema(const TiXmlElement& root, CCheckFindings& findings) {
+void CheckTextSchema(const TiXmlElement& root, CFindings& findings) {
     if (std::strcmp(root.Value(), "Texts") != 0)
-        findings.Add(CheckCodes::kNameForm, root, L"the usual name of the root is Texts");
+        findings.Add(FindingCodes::kNameForm, root, L"the usual name of the root is Texts");
     const TiXmlElement* table = root.FirstChildElement(kTable);
-    if (!table) findings.Add(CheckCodes::kNoTable, root, L"there is no <Dregsweep>, so no name is translated");
+    if (!table) findings.Add(FindingCodes::kNoTable, root, L"there is no <Dregsweep>, so no name is translated");
     for (const TiXmlElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
         if (table && child != table)
-            findings.Add(CheckCodes::kUnknownElement, *child, L"beside the first <Dregsweep> nothing is read");
+            findings.Add(FindingCodes::kUnknownElement, *child, L"beside the first <Dregsweep> nothing is read");
         for (const TiXmlAttribute* at = child->FirstAttribute(); at; at = at->Next())
-            findings.Add(CheckCodes::kUnknownAttribute, *at, L"no attribute is read here");
+            findings.Add(FindingCodes::kUnknownAttribute, *at, L"no attribute is read here");
     }
     for (const TiXmlAttribute* at = root.FirstAttribute(); at; at = at->Next()) {
-        if (!IsSchemaReference(*at)) findings.Add(CheckCodes::kUnknownAttribute, *at, L"no attribute is read here");
+        if (!IsSchemaReference(*at)) findings.Add(FindingCodes::kUnknownAttribute, *at, L"no attribute is read here");
     }
     if (table && !table->FirstChildElement() && table->FirstChild())
-        findings.Add(CheckCodes::kStrayText, *table, L"there are no entries, and text between them is ignored");
+        findings.Add(FindingCodes::kStrayText, *table, L"there are no entries, and text between them is ignored");
 }
 
 }  // namespace
 
-CCheckedTexts::CCheckedTexts(const TiXmlElement& root, CCheckFindings& findings) {
+CTextEntries::CTextEntries(const TiXmlElement& root, CFindings& findings) {
     CheckTextSchema(root, findings);
     const TiXmlElement* table = root.FirstChildElement(kTable);
     if (!table) return;
@@ -46,20 +46,21 @@ CCheckedTexts::CCheckedTexts(const TiXmlElement& root, CCheckFindings& findings)
         ReadEntry(*entry, findings);
 }
 
-void CCheckedTexts::ReadEntry(const TiXmlElement& element, CCheckFindings& findings) {
+void CTextEntries::ReadEntry(const TiXmlElement& element, CFindings& findings) {
     const std::wstring name = L"<" + Utf8ToWide(element.Value()) + L">";
     const auto [first, isNew] = m_entries.try_emplace(element.Value(), Entry{&element, false});
     if (!isNew) {
-        findings.Add(CheckCodes::kDuplicateEntry, element,
+        findings.Add(FindingCodes::kDuplicateEntry, element,
                      name + L" stands in line " + std::to_wstring(first->second.element->Row())
                          + L" already, and only that one counts");
     } else if (!element.GetText()) {
         // A comment before the text hides it as well.
-        findings.Add(CheckCodes::kEmptyEntry, element, name + L" does not begin with a text, the name stays as it is");
+        findings.Add(FindingCodes::kEmptyEntry, element,
+                     name + L" does not begin with a text, the name stays as it is");
     }
 }
 
-void CCheckedTexts::CheckKeys(const TiXmlElement& root, CCheckFindings& findings) {
+void CTextEntries::CheckKeys(const TiXmlElement& root, CFindings& findings) {
     FirstUses keys;
     CollectKeys(root, keys);
     for (const auto& [key, element] : keys) {
@@ -71,18 +72,18 @@ void CCheckedTexts::CheckKeys(const TiXmlElement& root, CCheckFindings& findings
     }
 }
 
-void CCheckedTexts::ReportMissing(const std::string& key, const TiXmlElement& element, CCheckFindings& findings) const {
+void CTextEntries::ReportMissing(const std::string& key, const TiXmlElement& element, CFindings& findings) const {
     std::vector<std::wstring> known;
     for (const auto& [name, _] : m_entries)
         known.push_back(Utf8ToWide(name));
     const std::wstring name = Utf8ToWide(key);
-    findings.Add(CheckCodes::kKeyWithoutEntry, element,
+    findings.Add(FindingCodes::kKeyWithoutEntry, element,
                  L"the text file has no entry <" + name + L">" + NearestHint(name, known));
 }
 
-void CCheckedTexts::CheckUnused(CCheckFindings& findings) const {
+void CTextEntries::CheckUnused(CFindings& findings) const {
     for (const auto& [name, entry] : m_entries) {
         if (!entry.used)
-            findings.Add(CheckCodes::kUnusedEntry, *entry.element, L"no rule file uses <" + Utf8ToWide(name) + L">");
+            findings.Add(FindingCodes::kUnusedEntry, *entry.element, L"no rule file uses <" + Utf8ToWide(name) + L">");
     }
 }

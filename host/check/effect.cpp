@@ -1,4 +1,4 @@
-#include "host/check/checkeffect.h"
+#include "host/check/rulechecks.h"
 
 #include <windows.h>
 #include <shlobj.h>
@@ -17,21 +17,21 @@ constexpr Names kOfFileRules = {"FolderEnvDir", "FolderX86EnvDir", "FolderIndex"
 constexpr Names kOfFolders = {"Iteration", "Filter", "ExcludeFilter", "SelfExclude", "LoopPath", "ExcludePath"};
 
 // A flag that is not set does no harm.
-void ReportIgnored(const CheckedRule& rule, Names attributes, const wchar_t* where, CCheckFindings& findings) {
+void ReportIgnored(const CheckedRule& rule, Names attributes, const wchar_t* where, CFindings& findings) {
     for (const char* name : attributes) {
         if (rule.Has(name) && AttributeText(rule.element, name) != L"0")
-            findings.Add(CheckCodes::kNoEffect, rule.PlaceOf(name), Utf8ToWide(name) + L" has no effect " + where);
+            findings.Add(FindingCodes::kNoEffect, rule.PlaceOf(name), Utf8ToWide(name) + L" has no effect " + where);
     }
 }
 
-void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what, CCheckFindings& findings) {
+void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what, CFindings& findings) {
     for (const char* name : attributes) {
         if (AttributeText(rule.element, name).empty())
-            findings.Add(CheckCodes::kMissingAttribute, rule.PlaceOf(name), what + Utf8ToWide(name));
+            findings.Add(FindingCodes::kMissingAttribute, rule.PlaceOf(name), what + Utf8ToWide(name));
     }
 }
 
-void CheckRegistryRule(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckRegistryRule(const CheckedRule& rule, CFindings& findings) {
     RequireTexts(rule, {"RootKey", "KeyPath"}, L"a registry rule does nothing without ", findings);
     ReportIgnored(rule, kOfFileRules, L"in a registry rule", findings);
     if (AttributeText(rule.element, "DelKey") == L"1")
@@ -40,49 +40,49 @@ void CheckRegistryRule(const CheckedRule& rule, CCheckFindings& findings) {
         ReportIgnored(rule, {"Filter"}, L"in a registry rule without Iteration", findings);
 }
 
-void CheckRegistryLocation(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckRegistryLocation(const CheckedRule& rule, CFindings& findings) {
     if (rule.getByReg)
         RequireTexts(rule, {"RootKey", "Path", "Value"}, L"GetByReg reads no location without ", findings);
     else
         ReportIgnored(rule, {"RootKey", "Value"}, L"without GetByReg or Registry", findings);
 }
 
-void CheckVirtualFolder(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckVirtualFolder(const CheckedRule& rule, CFindings& findings) {
     constexpr const wchar_t* kWhere = L"in a shell folder without a path";
     ReportIgnored(rule, {"Path"}, kWhere, findings);
     ReportIgnored(rule, kOfFolders, kWhere, findings);
     if (rule.base->index == CSIDL_BITBUCKET || rule.useShellBrowse) return;
-    findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("FolderIndex"),
+    findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("FolderIndex"),
                  L"of the shell folders without a path only the recycle bin (10) is ever emptied");
 }
 
-void CheckSingleFile(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckSingleFile(const CheckedRule& rule, CFindings& findings) {
     ReportIgnored(rule, kOfFolders, L"without IsFolder", findings);
     if (rule.path.find_first_of(L"*?") != std::wstring::npos) {
-        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("Path"),
+        findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("Path"),
                      L"a single file with wildcards is never deleted: use IsFolder and Filter");
     } else if (rule.HasBase() && rule.path.empty() && !rule.getByReg) {
-        findings.Add(CheckCodes::kDoesNothing, rule.element,
+        findings.Add(FindingCodes::kDoesNothing, rule.element,
                      L"without IsFolder this means the folder itself, which is never deleted");
     }
 }
 
-void CheckFolderRule(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckFolderRule(const CheckedRule& rule, CFindings& findings) {
     if (rule.filter.empty() || rule.filter.find_first_of(L"<>\":|\\/") != std::wstring::npos) {
-        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("Filter"),
+        findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("Filter"),
                      L"no name matches the Filter \"" + rule.filter + L"\", which takes one pattern");
     }
     if (rule.loopPath) {
         ReportIgnored(rule, {"SelfExclude"}, L"on the folders of a loop", findings);
     } else if (rule.selfExclude && !rule.iteration) {
-        findings.Add(CheckCodes::kDoesNothing, rule.PlaceOf("SelfExclude"),
+        findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("SelfExclude"),
                      L"SelfExclude without Iteration leaves nothing to find");
     }
 }
 
 }  // namespace
 
-void CheckEffect(const CheckedRule& rule, CCheckFindings& findings) {
+void CheckEffect(const CheckedRule& rule, CFindings& findings) {
     if (rule.isRegistry) return CheckRegistryRule(rule, findings);
     ReportIgnored(rule, {"KeyPath", "DelKey"}, L"without Registry", findings);
     CheckRegistryLocation(rule, findings);
