@@ -8,7 +8,7 @@ bottom='^(rules/(ieuobject|garbagevolume|igarbageinfo)\.h'
 bottom+='|tree/(iappcatagory|iappgarbageinfo|igarbagecatagory|itextselector|inforecords|ownedtext)\.h'
 bottom+='|tree/(gather|volume|loadresid|walkchildren|residtext)[a-z]*\.h'
 bottom+='|dregsweep/(idregsweep|idregsweepcallback)\.h|update/(iinternetfileproc|iinternetdatasink)\.h)$'
-read_as_the_engine_does='^(rules/(containment|rootkeyname)|cleaners/emptyprocname)\.h$'
+read_as_the_engine_does='^(rules/(containment|rootkeyname|ruleelement)|cleaners/emptyprocname)\.h$'
 
 check() {  # check FOLDER ALLOWED-FOLDERS...: FOLDER may include itself, the allowed folders and the bottom layer
     local folder=$1 allowed file target

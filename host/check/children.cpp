@@ -1,7 +1,5 @@
 #include "host/check/rulechecks.h"
 
-#include "sysservices/xmlattribute.h"
-
 namespace {
 
 std::wstring WhyIgnored(const CheckedRule& rule, const wchar_t* flag) {
@@ -12,41 +10,44 @@ std::wstring WhyIgnored(const CheckedRule& rule, const wchar_t* flag) {
 
 // What the author thinks is kept, or passed over, is not.
 void CheckIgnored(const CheckedRule& rule, CFindings& findings) {
-    if (!rule.exclusions.empty() && !(rule.excludePath && rule.ReadsChildren())) {
-        findings.Add(FindingCodes::kIgnoredChildren, *rule.exclusions.front(),
+    const auto& exclusions = rule.children.exclusions;
+    if (!exclusions.empty() && !(rule.excludePath && rule.ReadsChildren())) {
+        findings.Add(FindingCodes::kIgnoredChildren, *exclusions.front().element,
                      L"this keeps nothing: " + WhyIgnored(rule, L"ExcludePath"));
     }
-    const bool hasLoop = !rule.steps.empty() || !rule.terminals.empty();
-    if (hasLoop && !rule.loopPath) {
-        const TiXmlElement* first = rule.steps.empty() ? rule.terminals.front() : rule.steps.front();
-        findings.Add(FindingCodes::kIgnoredChildren, *first,
-                     L"the whole location is searched instead: " + WhyIgnored(rule, L"LoopPath"));
-    }
+    // Of the flag itself it is said that a registry rule has no use for it.
+    const bool isFlagged = rule.loopPath || (rule.isRegistry && rule.Sets("LoopPath"));
+    const auto& steps = rule.children.steps;
+    const auto& terminals = rule.children.terminals;
+    if (isFlagged || (steps.empty() && terminals.empty())) return;
+    findings.Add(FindingCodes::kIgnoredChildren, steps.empty() ? *terminals.front().element : *steps.front().element,
+                 L"the whole location is searched instead: " + WhyIgnored(rule, L"LoopPath"));
 }
 
 void CheckLoop(const CheckedRule& rule, CFindings& findings) {
-    if (!rule.loopPath || (rule.ReadsChildren() && !rule.steps.empty())) return;
-    const std::wstring why = !rule.ReadsChildren()    ? WhyIgnored(rule, L"LoopPath")
-                             : rule.terminals.empty() ? L"there is no <LoopPath> with a Path"
-                                                      : L"terminal paths need a step, such as <LoopPath Path=\"*\"/>";
+    if (!rule.loopPath || (rule.ReadsChildren() && !rule.children.steps.empty())) return;
+    const std::wstring why = !rule.ReadsChildren() ? WhyIgnored(rule, L"LoopPath")
+                             : rule.children.terminals.empty()
+                                 ? L"there is no <LoopPath> with a Path"
+                                 : L"terminal paths need a step, such as <LoopPath Path=\"*\"/>";
     findings.Add(FindingCodes::kLoopWithoutStep, rule.PlaceOf("LoopPath"), L"the loop finds nothing: " + why);
 }
 
 void CheckSteps(const CheckedRule& rule, CFindings& findings) {
-    for (const TiXmlElement* step : rule.steps) {
-        const std::wstring pattern = AttributeText(*step, "Path");
+    for (const auto& [step, element] : rule.children.steps) {
+        const std::wstring& pattern = step.path;
         if (pattern.find_first_of(L"\\/") != std::wstring::npos)
-            findings.Add(FindingCodes::kDoesNothing, *step,
+            findings.Add(FindingCodes::kDoesNothing, *element,
                          L"a step is a name of one level: use AddPath, or more steps");
         else if (pattern.empty() || pattern.starts_with(L'.'))
-            findings.Add(FindingCodes::kDoesNothing, *step,
+            findings.Add(FindingCodes::kDoesNothing, *element,
                          L"no folder matches: loops pass over names that begin with a dot");
     }
 }
 
 void CheckExclusionFlag(const CheckedRule& rule, CFindings& findings) {
     if (!rule.excludePath) return;
-    if (rule.exclusions.empty()) {
+    if (rule.children.exclusions.empty()) {
         findings.Add(FindingCodes::kExcludeWithoutChild, rule.PlaceOf("ExcludePath"),
                      L"nothing is kept: there is no <ExcludePath> with a Path");
     } else if (!rule.iteration) {
@@ -56,14 +57,13 @@ void CheckExclusionFlag(const CheckedRule& rule, CFindings& findings) {
 }
 
 void CheckExclusions(const CheckedRule& rule, CFindings& findings) {
-    for (const TiXmlElement* exclusion : rule.exclusions) {
-        const std::wstring path = AttributeText(*exclusion, "Path");
-        const bool exactMatch = ReadInteger(*exclusion, "ExactMatch", 0) == 1;
-        if (!exactMatch && path.find_first_of(L"\\/") != std::wstring::npos) {
-            findings.Add(FindingCodes::kNoEffect, *exclusion,
+    for (const auto& [exclusion, element] : rule.children.exclusions) {
+        const std::wstring& path = exclusion.path;
+        if (!exclusion.exactMatch && path.find_first_of(L"\\/") != std::wstring::npos) {
+            findings.Add(FindingCodes::kNoEffect, *element,
                          L"without ExactMatch this is compared with the name of one folder, which has no such letter");
-        } else if (exactMatch && !path.starts_with(L'\\')) {
-            findings.Add(FindingCodes::kLooseExclusion, *exclusion,
+        } else if (exclusion.exactMatch && !path.starts_with(L'\\')) {
+            findings.Add(FindingCodes::kLooseExclusion, *element,
                          L"this also matches the end of a longer name: begin it with \"\\\"");
         }
     }

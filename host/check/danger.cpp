@@ -9,15 +9,14 @@ namespace {
 // The loop, if there is one, gives every folder below the location.
 bool GoesEverywhere(const CheckedRule& rule) {
     if (!rule.loopPath || rule.useShellBrowse) return true;
-    return rule.ReadsChildren() && !rule.steps.empty()
-           && std::all_of(rule.steps.begin(), rule.steps.end(), [](const TiXmlElement* step) {
-                  return CheckedRule::MatchesAll(AttributeText(*step, "Path"))
-                         && NormalPath(AttributeText(*step, "AddPath")).empty();
-              });
+    const auto& steps = rule.children.steps;
+    return rule.ReadsChildren() && !steps.empty() && std::all_of(steps.begin(), steps.end(), [](const auto& step) {
+               return CheckedRule::MatchesAll(step.child.path) && NormalPath(step.child.addPath).empty();
+           });
 }
 
 void CheckRegistryValues(const CheckedRule& rule, CFindings& findings) {
-    if (!rule.Has("Value") || !Split(AttributeText(rule.element, "Value"), L"|").empty()) return;
+    if (!rule.Has("Value") || !rule.valueNames.empty()) return;
     findings.Add(FindingCodes::kAllValues, rule.PlaceOf("Value"), L"Value names nothing, so all values are deleted");
 }
 
@@ -29,7 +28,7 @@ void CheckRelative(const CheckedRule& rule, CFindings& findings) {
 
 // Nothing is said of one folder of a program below the root of a drive, whatever the pattern.
 void CheckDriveRoot(const CheckedRule& rule, CFindings& findings) {
-    const bool isWide = rule.iteration || rule.MatchesAllNames() || !rule.terminals.empty();
+    const bool isWide = rule.iteration || rule.MatchesAllNames() || !rule.children.terminals.empty();
     if (!rule.location.empty() || !isWide || !GoesEverywhere(rule)) return;
     findings.Add(FindingCodes::kDriveRoot, rule.element, L"this searches a whole drive: name a folder");
 }
@@ -37,7 +36,7 @@ void CheckDriveRoot(const CheckedRule& rule, CFindings& findings) {
 // The location as the author gave it.
 std::wstring Spelled(const CheckedRule& rule) {
     std::wstring base = rule.folderIndex != -1 ? L"folder " + std::to_wstring(rule.folderIndex)
-                        : rule.HasBase()       ? L'%' + rule.variable + L'%'
+                        : rule.HasBase()       ? L'%' + rule.folderVariable + L'%'
                                                : std::wstring();
     // The engine takes the base folder when the registry has nothing, so that is what has to be harmless.
     if (rule.getByReg) return base + L", when the registry names none,";
@@ -46,7 +45,7 @@ std::wstring Spelled(const CheckedRule& rule) {
 }
 
 void CheckWholeFolder(const CheckedRule& rule, CFindings& findings) {
-    const bool takesAll = rule.useShellBrowse || (rule.MatchesAllNames() && rule.terminals.empty());
+    const bool takesAll = rule.useShellBrowse || (rule.MatchesAllNames() && rule.children.terminals.empty());
     if (!takesAll || rule.location.empty() || !GoesEverywhere(rule)) return;
     if (IsPreciousFolder(rule.location)) {
         findings.Add(

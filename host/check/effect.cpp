@@ -16,17 +16,16 @@ constexpr Names kOfFileRules = {"FolderEnvDir", "FolderX86EnvDir", "FolderIndex"
                                 "LoopPath",     "ExcludePath",     "UseShellBrowse", "EmptyProc"};
 constexpr Names kOfFolders = {"Iteration", "Filter", "ExcludeFilter", "SelfExclude", "LoopPath", "ExcludePath"};
 
-// A flag that is not set does no harm.
 void ReportIgnored(const CheckedRule& rule, Names attributes, const wchar_t* where, CFindings& findings) {
     for (const char* name : attributes) {
-        if (rule.Has(name) && AttributeText(rule.element, name) != L"0")
+        if (rule.Sets(name))
             findings.Add(FindingCodes::kNoEffect, rule.PlaceOf(name), Utf8ToWide(name) + L" has no effect " + where);
     }
 }
 
 void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what, CFindings& findings) {
     for (const char* name : attributes) {
-        if (AttributeText(rule.element, name).empty())
+        if (rule.TextOf(name).empty())
             findings.Add(FindingCodes::kMissingAttribute, rule.PlaceOf(name), what + Utf8ToWide(name));
     }
 }
@@ -34,7 +33,7 @@ void RequireTexts(const CheckedRule& rule, Names attributes, const wchar_t* what
 void CheckRegistryRule(const CheckedRule& rule, CFindings& findings) {
     RequireTexts(rule, {"RootKey", "KeyPath"}, L"a registry rule does nothing without ", findings);
     ReportIgnored(rule, kOfFileRules, L"in a registry rule", findings);
-    if (AttributeText(rule.element, "DelKey") == L"1")
+    if (rule.deleteKey)
         ReportIgnored(rule, {"Value", "Iteration", "Filter"}, L"beside DelKey", findings);
     else if (!rule.iteration)
         ReportIgnored(rule, {"Filter"}, L"in a registry rule without Iteration", findings);

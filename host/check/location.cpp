@@ -11,9 +11,9 @@ void CheckBase(const CheckedRule& rule, CFindings& findings) {
                      std::to_wstring(rule.folderIndex) + L" is no folder of Windows, the rule is dropped");
     } else {
         findings.Add(FindingCodes::kUnresolvableLocation, rule.PlaceOf("FolderEnvDir"),
-                     L"Windows sets no variable \"" + rule.variable
+                     L"Windows sets no variable \"" + rule.folderVariable
                          + L"\" to a folder, and where nobody else does the rule is dropped"
-                         + NearestHint(rule.variable, FolderVariables()));
+                         + NearestHint(rule.folderVariable, FolderVariables()));
     }
 }
 

@@ -2,36 +2,17 @@
 
 #include <cstring>
 
-#include "sysservices/xmlattribute.h"
-
-namespace {
-
-bool ReadFlag(const TiXmlElement& element, const char* name) {
-    return ReadInteger(element, name, 0) == 1;
-}
-
-}  // namespace
-
 CheckedRule::CheckedRule(const TiXmlElement& ruleElement)
-    : element(ruleElement),
-      isRegistry(ReadFlag(element, "Registry")),
-      getByReg(ReadFlag(element, "GetByReg")),
-      isFolder(ReadInteger(element, "IsFolder", ReadInteger(element, "GetByReg", 0)) != 0),
-      iteration(ReadFlag(element, "Iteration")),
-      loopPath(ReadFlag(element, "LoopPath")),
-      excludePath(ReadFlag(element, "ExcludePath")),
-      selfExclude(ReadFlag(element, "SelfExclude")),
-      folderIndex(ReadInteger(element, "FolderIndex", -1)),
-      variable(AttributeText(element, "FolderEnvDir")),
-      path(AttributeText(element, "Path")),
-      filter(Has("Filter") ? AttributeText(element, "Filter") : L"*"),
-      useShellBrowse(HasBase() && ReadInteger(element, "UseShellBrowse", 0) != 0) {
+    : RuleElement(ruleElement),
+      element(ruleElement),
+      children(ruleElement) {
+    // The shell is asked to browse base folders only.
+    useShellBrowse = useShellBrowse && HasBase();
     if (folderIndex != -1)
         base = FindKnownFolder(folderIndex);
-    else if (!variable.empty())
-        base = FindKnownFolder(variable);
+    else if (!folderVariable.empty())
+        base = FindKnownFolder(folderVariable);
     Locate();
-    ReadChildren();
 }
 
 void CheckedRule::Locate() {
@@ -49,20 +30,6 @@ void CheckedRule::Locate() {
     }
 }
 
-void CheckedRule::ReadChildren() {
-    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        const bool hasPath = child->Attribute("Path") != nullptr;
-        if (_stricmp(child->Value(), "ExcludePath") == 0) {
-            if (hasPath) exclusions.push_back(child);
-        } else if (_stricmp(child->Value(), "LoopPath") == 0) {
-            if (child->Attribute("TerminalPath"))
-                terminals.push_back(child);
-            else if (hasPath)
-                steps.push_back(child);
-        }
-    }
-}
-
 bool CheckedRule::MatchesAll(std::wstring_view pattern) noexcept {
     return pattern.find(L'*') != std::wstring_view::npos
            && pattern.find_first_not_of(L"*?.") == std::wstring_view::npos;
@@ -75,6 +42,6 @@ const TiXmlBase& CheckedRule::PlaceOf(const char* attribute) const {
     return element;
 }
 
-std::wstring AttributeText(const TiXmlElement& element, const char* name) {
-    return Utf8ToWide(element.Attribute(name));
+std::wstring CheckedRule::TextOf(const char* attribute) const {
+    return Utf8ToWide(element.Attribute(attribute));
 }

@@ -46,7 +46,7 @@ void CheckReach(const ContainmentSet& tokens, const std::wstring& token, const T
 void CheckTokens(const CheckedRule& rule, CFindings& findings) {
     const TiXmlBase& place = rule.PlaceOf("ExcludeFilter");
     ContainmentSet tokens;
-    for (const std::wstring& token : Split(AttributeText(rule.element, "ExcludeFilter"), L"|")) {
+    for (const std::wstring& token : rule.excludedNames) {
         const auto [equivalent, isNew] = tokens.insert(token);
         // What contains a dropped token that contains the other is excluded all the same.
         if (isNew || token.find(*equivalent) != std::wstring::npos) continue;

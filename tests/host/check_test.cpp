@@ -94,7 +94,9 @@ TEST(Check, FindsFaultsOfARule) {
         {"2W does-nothing", {"Path=''", tool + "Filter='*.a|*.b'", tool + "SelfExclude='1'"}},
         {"2W no-effect, 2W does-nothing",
          {"FolderEnvDir='APPDATA' Path='x\\*.log' Filter='*'", "FolderIndex='4' Path='x'"}},
-        {"2W no-effect", {"Registry='1' RootKey='HKCU' KeyPath='x' Filter='y'"}},
+        {"2W no-effect",
+         {"Registry='1' RootKey='HKCU' KeyPath='x' Filter='y'",
+          "Registry='1' RootKey='HKCU' KeyPath='x' ExcludeFilter='.tmp|.log'"}},
         {"2E missing-attribute", {"Registry='1' RootKey='HKCU'"}},
         // Of four parts of names two are found, of two in the wrong order one.
         {"2W unreachable-token, 2W unreachable-token", {tool + "ExcludeFilter='.tmp|.log|.bak|.old'"}},
