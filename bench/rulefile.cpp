@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 #include "sysservices/reference.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "bench/stubs.h"
 
-#include "host/hosterror.h"
+#include "host/common/hosterror.h"
 
 Stubs::Stubs(HMODULE module, std::initializer_list<Stub> stubs) {
     for (const Stub& stub : stubs) {

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 sed -n '/^```cpp$/,/^```$/p' docs/hosting.md | sed '1d;$d' | diff - examples/minimal_host/main.cpp
 
 missing=$(
-    grep -oHE '`(bench|cleaners|cmake|docs|dregsweep|examples|host|rules|samples|scripts|sysservices|tests|tree|update)/[A-Za-z0-9_./-]+\.(h|cpp|md|xml|sh|cmake|txt|def)`' \
+    grep -oHE '`(bench|cleaners|cmake|docs|dregsweep|examples|host|rules|samples|scripts|sysservices|tests|tree|update)/[A-Za-z0-9_./-]+\.(h|cpp|md|xml|sh|cmake|txt|def|rc)`' \
         -- *.md docs/*.md | while IFS=: read -r document file; do
         file=${file//\`/}
         [ -e "$file" ] || echo "$document names $file"

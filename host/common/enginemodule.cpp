@@ -2,14 +2,14 @@
 
 #include "host/common/executable.h"
 #include "host/common/hosterror.h"
+#include "host/common/texts.h"
 
 CEngineModule::CEngineModule()
     : m_path(JoinPath(ExecutableFolder(), L"Dregsweep.dll")),
       m_module(LoadLibraryW(m_path.c_str())) {
     if (m_module) return;
     const DWORD error = GetLastError();
-    throw CHostError(L"cannot load the engine " + m_path + L" (error " + std::to_wstring(error)
-                     + L"): put Dregsweep.dll into the folder of dsw.exe");
+    throw CHostError(Text(IDS_ENGINE_NOT_LOADED, {m_path, std::to_wstring(error)}));
 }
 
 CEngineModule::~CEngineModule() {

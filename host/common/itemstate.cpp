@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "host/common/texts.h"
 #include "sysservices/handle.h"
 
 namespace {
@@ -15,9 +16,8 @@ DWORD DeleteError(const wchar_t* path) noexcept {
 
 }  // namespace
 
-const wchar_t* Text(ItemState state) noexcept {
-    constexpr const wchar_t* kTexts[] = {L"found", L"deleted", L"in use", L"refused", L"gone", L"not tried"};
-    return kTexts[static_cast<size_t>(state)];
+std::wstring StateText(ItemState state) {
+    return Text(IDS_STATE_FOUND + static_cast<unsigned>(state));
 }
 
 ItemState WhyNotDeleted(const std::wstring& path) noexcept {

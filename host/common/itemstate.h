@@ -12,8 +12,8 @@ enum class ItemState {
     NotTried,  // a clean passed over it, or was stopped before
 };
 
-// "in use"
-const wchar_t* Text(ItemState state) noexcept;
+// "in use", in the language of the texts.
+std::wstring StateText(ItemState state);
 
 // Why an item was not deleted, by the look of it right after the attempt.
 ItemState WhyNotDeleted(const std::wstring& path) noexcept;

@@ -4,6 +4,7 @@
 
 #include "host/common/hosterror.h"
 #include "host/common/nodepaths.h"
+#include "host/common/texts.h"
 #include "host/common/treewalk.h"
 
 namespace {
@@ -96,8 +97,7 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
         const auto matches = [&](const IEUObject& node) {
             return Matches(ToLower(original.Of(node)), wanted) || Matches(ToLower(localised.Of(node)), wanted);
         };
-        if (!SetMatching(engine, kind != Kind::Deselect, matches))
-            throw CUsageError(L"nothing matches the pattern \"" + pattern + L"\": dsw list shows the paths to match");
+        if (!SetMatching(engine, kind != Kind::Deselect, matches)) throw CUsageError(Text(IDS_NO_MATCH, {pattern}));
     }
 }
 

@@ -3,52 +3,47 @@
 #include <array>
 #include <cstdio>
 
+#include "host/common/texts.h"
 #include "update/iinternetfileproc.h"
 
 namespace {
 
 using namespace InternetFileResult;
 
-constexpr const wchar_t* kNotReady = L"the update object is not ready: is Dregsweep.dll the one of this dsw.exe?";
-constexpr const wchar_t* kFailed = L"the server did not deliver: check the address, and that the server is up";
-constexpr const wchar_t* kSizeUnknown = L"the server does not tell the size: it must send a Content-Length";
-
-const wchar_t* Meaning(uint32_t code) noexcept {
+unsigned Meaning(uint32_t code) noexcept {
     switch (code) {
         case kSuccess:
         case kSetVersionAlways:
-            return L"done";
+            return IDS_ANSWER_DONE;
         case kInitNoHandle:
-            return L"no way of access to the network could be opened: check the proxy settings";
+            return IDS_ANSWER_NO_NETWORK;
         case kUninitNotReady:
         case kCurVersionNotReady:
         case kWanVersionNotReady:
         case kFileNotReady:
         case kBufNotReady:
         case kStreamNotReady:
-            return kNotReady;
+            return IDS_ANSWER_NOT_READY;
         case kFileFailed:
-            return L"the server did not deliver: check the address, that the server is up, and that a list holds plain "
-                   L"file names";
+            return IDS_ANSWER_FILES_FAILED;
         case kBufFailed:
         case kStreamFailed:
-            return kFailed;
+            return IDS_ANSWER_FAILED;
         case kFileSizeUnknown:
         case kBufSizeUnknown:
         case kStreamSizeUnknown:
-            return kSizeUnknown;
+            return IDS_ANSWER_SIZE_UNKNOWN;
         case kSinkCancelled:
         case kSinkRefused:
-            return L"the download was stopped";
+            return IDS_ANSWER_STOPPED;
         case kStreamTooLarge:
-            return L"the answer has more than 400 bytes: the address must be that of the version number alone";
+            return IDS_ANSWER_TOO_LARGE;
         case kListNotReady:
-            return L"the address has no \"/\": give the full one, such as http://server/rules/list.txt";
+            return IDS_ANSWER_NO_FULL_ADDRESS;
         case kListRenameFailed:
-            return L"another program holds an old file: the files before it in the list are new, those behind it old, "
-                   L"and their new copies end in _bak";
+            return IDS_ANSWER_FILE_HELD;
         default:
-            return L"an answer that this dsw.exe does not know";
+            return IDS_ANSWER_UNKNOWN;
     }
 }
 
@@ -57,5 +52,5 @@ const wchar_t* Meaning(uint32_t code) noexcept {
 std::wstring UpdateMessage(uint32_t code) {
     std::array<wchar_t, 16> number;
     std::swprintf(number.data(), number.size(), L"0x%08X", code);
-    return std::wstring(Meaning(code)) + L" (code " + number.data() + L")";
+    return Text(IDS_ANSWER_WITH_CODE, {Text(Meaning(code)), number.data()});
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "host/common/texts.h"
 #include "sysservices/text.h"
 #include "sysservices/xmldocument.h"
 
@@ -11,20 +12,18 @@ using Kind = XmlFileFault::Kind;
 
 XmlFileFault WhyUnreadable(const std::wstring& path) {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) return {Kind::Folder, 0, L"this is a folder, name the file in it"};
+    if (std::filesystem::is_directory(path, error)) return {Kind::Folder, 0, Text(IDS_FILE_IS_FOLDER)};
     const auto size = std::filesystem::file_size(path, error);
-    if (error) return {Kind::Missing, 0, L"there is no such file, check the path"};
-    if (size == 0) return {Kind::Unreadable, 0, L"the file is empty"};
-    return {Kind::Unreadable, 0,
-            L"another program lets nobody read it, or its elements are nested more than "
-                + std::to_wstring(kXmlDeepestNesting) + L" deep"};
+    if (error) return {Kind::Missing, 0, Text(IDS_FILE_IS_MISSING)};
+    if (size == 0) return {Kind::Unreadable, 0, Text(IDS_FILE_IS_EMPTY)};
+    return {Kind::Unreadable, 0, Text(IDS_FILE_IS_LOCKED_OR_DEEP, {std::to_wstring(kXmlDeepestNesting)})};
 }
 
 XmlFileFault WhyNotWellFormed(const TiXmlDocument& document) {
     // TinyXML calls a file empty when it is plain text, or XML in UTF-16.
     const bool noElement = document.ErrorId() == TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY;
     return {Kind::NotWellFormed, document.ErrorRow(),
-            noElement ? L"no element can be read, save it as UTF-8" : Utf8ToWide(document.ErrorDesc())};
+            noElement ? Text(IDS_FILE_HAS_NO_ELEMENT) : Utf8ToWide(document.ErrorDesc())};
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "host/common/hosterror.h"
 #include "host/common/sizetext.h"
+#include "host/common/texts.h"
 #include "host/console/gathercommand.h"
 #include "host/console/resulttable.h"
 #include "host/console/runjson.h"
@@ -13,7 +14,7 @@ struct CleanOptions : GatherOptions {
 };
 
 bool UserAgrees(CConsole& console, const CCancel& cancel) {
-    const auto answer = console.Ask(L"Delete these items, and what the selected registry rules name? [y/N] ", cancel);
+    const auto answer = console.Ask(Text(IDS_DELETE_QUESTION), cancel);
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 
@@ -23,7 +24,7 @@ uint64_t CollectPaths(const RunResult& result, ItemState state, std::vector<std:
     uint64_t items = 0;
     for (const ItemResult& item : result.items) {
         if (item.state != state) continue;
-        paths.push_back(item.path.empty() ? L"(all of " + result.path + L")" : item.path);
+        paths.push_back(item.path.empty() ? Text(IDS_ALL_OF, {result.path}) : item.path);
         items += item.amount.items;
     }
     for (const RunResult& child : result.children)
@@ -31,31 +32,41 @@ uint64_t CollectPaths(const RunResult& result, ItemState state, std::vector<std:
     return items;
 }
 
+struct Headline {
+    ItemState state;
+    unsigned text;
+};
+constexpr Headline kNotDeleted[] = {{ItemState::InUse, IDS_ITEMS_IN_USE},
+                                    {ItemState::Refused, IDS_ITEMS_REFUSED},
+                                    {ItemState::Gone, IDS_ITEMS_GONE},
+                                    {ItemState::NotTried, IDS_ITEMS_NOT_TRIED}};
+
 // Lists the items in that state and returns what to say of them in the summary. Only the first few, or a program that
 // keeps its cache open would fill the screen.
-std::wstring PrintNotDeleted(COutput& out, const RunResult& result, ItemState state, const wchar_t* headline) {
+std::wstring PrintNotDeleted(COutput& out, const RunResult& result, const Headline& headline) {
     constexpr size_t kShown = 20;
     std::vector<std::wstring> paths;
-    const uint64_t items = CollectPaths(result, state, paths);
+    const uint64_t items = CollectPaths(result, headline.state, paths);
     if (paths.empty()) return {};
-    out.Line(headline);
+    out.Line(Text(headline.text));
     for (size_t i = 0; i < paths.size() && i < kShown; ++i)
         out.Line(L"  " + paths[i]);
-    if (paths.size() > kShown) out.Line(L"  and " + ItemCount(paths.size() - kShown) + L" more; --json lists them all");
-    return L", " + GroupedNumber(items) + L' ' + Text(state);
+    if (paths.size() > kShown) out.Line(L"  " + Text(IDS_AND_MORE, {ItemCount(paths.size() - kShown)}));
+    return Text(IDS_COUNT_IN_STATE, {GroupedNumber(items), StateText(headline.state)});
 }
 
 void PrintResult(COutput& out, const RunResult& result) {
-    PrintTable(out, L"Deleted", result, &RunResult::deleted);
-    if (result.left.items != 0) PrintTable(out, L"Not deleted", result, &RunResult::left);
-    std::wstring reasons = PrintNotDeleted(out, result, ItemState::InUse, L"In use by another program:");
-    reasons +=
-        PrintNotDeleted(out, result, ItemState::Refused, L"Refused (read-only, access rights, or an unusable name):");
-    reasons += PrintNotDeleted(out, result, ItemState::Gone, L"Gone before they could be deleted:");
-    reasons += PrintNotDeleted(out, result, ItemState::NotTried, L"Not tried (not reached, or beside dsw.exe):");
-    if (!reasons.empty()) reasons = L":" + reasons.substr(1);
-    out.Line(L"Freed " + FullSize(result.deleted.bytes) + L" in " + ItemCount(result.deleted.items) + L"; not deleted: "
-             + ItemCount(result.left.items) + L", " + FullSize(result.left.bytes) + reasons + L".");
+    PrintTable(out, Text(IDS_TITLE_DELETED), result, &RunResult::deleted);
+    if (result.left.items != 0) PrintTable(out, Text(IDS_TITLE_NOT_DELETED), result, &RunResult::left);
+    std::wstring reasons;
+    for (const Headline& headline : kNotDeleted) {
+        const std::wstring reason = PrintNotDeleted(out, result, headline);
+        if (!reason.empty() && !reasons.empty()) reasons += Text(IDS_LIST_SEPARATOR);
+        reasons += reason;
+    }
+    out.Line(Text(reasons.empty() ? IDS_SUM_FREED : IDS_SUM_FREED_WITH_REASONS,
+                  {FullSize(result.deleted.bytes), ItemCount(result.deleted.items), ItemCount(result.left.items),
+                   FullSize(result.left.bytes), reasons}));
 }
 
 // What is found is shown before the question. Nothing when the clean may begin.
@@ -71,16 +82,15 @@ std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& opt
     } else if (!goOn) {
         PrintRunJson(console.out, "clean", status, /*cleaned=*/false, found);
     }
-    if (options.dryRun && !options.json) console.out.Line(L"A dry run: nothing was deleted.");
+    if (options.dryRun && !options.json) console.out.Line(Text(IDS_DRY_RUN));
     if (!goOn) return status;
     if (options.yes || UserAgrees(console, cancel)) return {};
-    console.err.Line(L"dsw: nothing was deleted");
+    console.Complain(Text(IDS_NOTHING_DELETED));
     return ExitStatus::Stopped;
 }
 
 ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
-    if (options.json && !options.yes && !options.dryRun)
-        throw CUsageError(L"clean --json asks no question: add --yes to delete, or --dry-run to look only");
+    if (options.json && !options.yes && !options.dryRun) throw CUsageError(Text(IDS_JSON_ASKS_NOTHING));
     const CCancel cancel;
     const CEngine engine(options);
     if (const auto status = Prepare(engine, options, console, cancel)) return *status;

@@ -47,3 +47,7 @@ std::optional<std::wstring> CConsole::Ask(std::wstring_view question, const CCan
     if (!answer || !out.IsTerminal()) out.Line();
     return answer;
 }
+
+void CConsole::Complain(std::wstring_view text) {
+    err.Line(std::wstring(L"dsw: ").append(text));
+}

@@ -15,6 +15,9 @@ public:
     // Puts the question and reads a line; nothing at the end of the input or after Ctrl-C.
     std::optional<std::wstring> Ask(std::wstring_view question, const CCancel& cancel);
 
+    // One line on the error output, behind the name of the program.
+    void Complain(std::wstring_view text);
+
     COutput out;
     COutput err;
 };

@@ -1,5 +1,6 @@
 #include "host/console/gathercommand.h"
 
+#include "host/common/texts.h"
 #include "host/console/resulttable.h"
 #include "host/console/runjson.h"
 #include "host/console/runview.h"
@@ -12,8 +13,7 @@ void AddGatherOptions(CLI::App& command, GatherOptions& options) {
 }
 
 ExitStatus Gather(const CEngine& engine, CConsole& console, const CCancel& cancel, bool listItems) {
-    if (!IsAnythingSelected(*engine))
-        console.err.Line(L"dsw: nothing is selected: choose with --all, --only or --select");
+    if (!IsAnythingSelected(*engine)) console.Complain(Text(IDS_NOTHING_SELECTED));
     CRunView view(console, cancel, listItems);
     return view.Finish(CRunObserver(*engine, view).Run(&IDregsweep::Gather));
 }

@@ -1,4 +1,5 @@
 #include "host/common/hosterror.h"
+#include "host/common/texts.h"
 #include "host/console/cancel.h"
 #include "host/console/command.h"
 
@@ -36,13 +37,12 @@ ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CCo
     }
     // The parser complains of what is missing first, although that may be what is misspelled.
     const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
-    std::string message = error.what();
+    std::wstring message = Utf8ToWide(error.what());
     if (!unknown.empty()) {
         const bool isName = level->get_require_subcommand_min() > 0 || unknown.front().starts_with('-');
-        const std::string word = '"' + unknown.front() + '"';
-        message = isName ? "there is no " + word : word + " belongs to no option";
+        message = Text(isName ? IDS_UNKNOWN_NAME : IDS_UNKNOWN_WORD, {Utf8ToWide(unknown.front())});
     }
-    console.err.Line(L"dsw: " + Utf8ToWide(message + " (" + command + " --help tells the usage)"));
+    console.Complain(Text(IDS_USAGE, {message, Utf8ToWide(command)}));
     return ExitStatus::WrongUsage;
 }
 
@@ -69,9 +69,9 @@ ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
 void ShowError(const std::exception& error, CConsole& console) {
     console.out.Flush();
     try {
-        console.err.Line(L"dsw: " + Utf8ToWide(error.what()));
+        console.Complain(Utf8ToWide(error.what()));
     } catch (const std::exception&) {
-        console.err.Line(L"dsw: failed, and there is no memory to say why");
+        console.Complain(Text(IDS_NO_MEMORY_TO_TELL));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/common/sizetext.h"
+#include "host/common/texts.h"
 #include "host/console/columns.h"
 
 namespace {
@@ -38,17 +39,17 @@ void PrintRow(COutput& out, size_t nameColumns, const Row& row) {
 void PrintTable(COutput& out, std::wstring_view title, const RunResult& result, Amount RunResult::*amount) {
     Rows rows;
     AddRows(rows, result.children, amount, 0);
-    rows.push_back({L"Total", result.*amount});
+    rows.push_back({Text(IDS_TOTAL), result.*amount});
     size_t nameColumns = Columns(title);
     for (const Row& row : rows)
         nameColumns = std::max(nameColumns, Columns(row.name));
-    out.Line(PadRight(title, nameColumns + 2) + L"  " + PadLeft(L"items", 9) + L"  " + PadLeft(L"size", 10) + L"  "
-             + PadLeft(L"bytes", 15));
+    out.Line(PadRight(title, nameColumns + 2) + L"  " + PadLeft(Text(IDS_HEAD_ITEMS), 9) + L"  "
+             + PadLeft(Text(IDS_HEAD_SIZE), 10) + L"  " + PadLeft(Text(IDS_HEAD_BYTES), 15));
     for (const Row& row : rows)
         PrintRow(out, nameColumns, row);
 }
 
 void PrintFound(COutput& out, const RunResult& result) {
-    PrintTable(out, L"Found", result, &RunResult::found);
-    out.Line(L"Found " + ItemCount(result.found.items) + L", " + FullSize(result.found.bytes) + L".");
+    PrintTable(out, Text(IDS_TITLE_FOUND), result, &RunResult::found);
+    out.Line(Text(IDS_SUM_FOUND, {ItemCount(result.found.items), FullSize(result.found.bytes)}));
 }

@@ -1,4 +1,5 @@
 #include "host/console/ruleoptions.h"
+#include "host/common/texts.h"
 
 #include "sysservices/text.h"
 
@@ -46,6 +47,8 @@ void AddSelectionOptions(CLI::App& command, std::vector<SelectionStep>& steps) {
 }  // namespace
 
 void AddFileOptions(CLI::App& command, EngineOptions& options) {
+    options.rulesRemedy = IDS_CHECK_RULES_OPTION;
+    options.textRemedy = IDS_CHECK_TEXT_OPTION;
     AddFile(command, "--rules", options.rules, "The rule file (XML)")->required();
     AddFile(command, "--text", options.text, "The file with the localised names (XML)");
 }
@@ -58,6 +61,8 @@ void AddScopeOptions(CLI::App& command, EngineOptions& options) {
             "Scan only folders whose path begins so; a further one adds. No limit for single files, registry and shell")
         ->type_name("PREFIX")
         // Every path begins with it: a variable of a script that is not set would allow everything.
-        ->check([](const std::string& prefix) { return std::string(prefix.empty() ? "the prefix is empty" : ""); })
+        ->check([](const std::string& prefix) {
+            return prefix.empty() ? WideToUtf8(Text(IDS_PREFIX_IS_EMPTY)) : std::string();
+        })
         ->trigger_on_parse();
 }

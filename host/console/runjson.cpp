@@ -11,12 +11,18 @@ const char* Outcome(ExitStatus status) noexcept {
     return status == ExitStatus::Stopped ? "stopped" : "failed";
 }
 
+// The same in every language: scripts know them.
+const char* NameOf(ItemState state) noexcept {
+    constexpr const char* kNames[] = {"found", "deleted", "in use", "refused", "gone", "not tried"};
+    return kNames[static_cast<size_t>(state)];
+}
+
 Json ToJson(const Amount& amount) {
     return {{"count", amount.items}, {"bytes", amount.bytes}};
 }
 
 Json ToJson(const ItemResult& item) {
-    Json json = {{"path", WideToUtf8(item.path)}, {"state", WideToUtf8(Text(item.state))}};
+    Json json = {{"path", WideToUtf8(item.path)}, {"state", NameOf(item.state)}};
     json.update(ToJson(item.amount));
     return json;
 }

@@ -1,6 +1,7 @@
 #include "host/console/runview.h"
 
 #include "host/common/sizetext.h"
+#include "host/common/texts.h"
 
 CRunView::CRunView(CConsole& console, const CCancel& cancel, bool listItems) noexcept
     : m_console(console),
@@ -29,16 +30,14 @@ void CRunView::Report(const wchar_t* path, const Amount& amount, ItemState state
 void CRunView::List(const wchar_t* path, const Amount& amount, ItemState state, IGarbageCatagory& category) {
     if (&category != m_listedCategory) m_console.out.Line(m_application + L": " + category.GetInfo()->NameText);
     m_listedCategory = &category;
-    const std::wstring item = *path ? path : L"(all of it, " + ItemCount(amount.items) + L")";
-    m_console.out.Line(L"    " + std::wstring(Text(state)) + L"  " + item + L"  " + std::to_wstring(amount.bytes));
+    const std::wstring item = *path ? path : Text(IDS_ALL_OF_IT, {ItemCount(amount.items)});
+    m_console.out.Line(L"    " + StateText(state) + L"  " + item + L"  " + std::to_wstring(amount.bytes));
 }
 
 ExitStatus CRunView::Finish(CRunObserver::Outcome outcome) {
     m_progress.Remove();
     if (outcome == CRunObserver::Outcome::Done) return ExitStatus::Done;
     const bool stopped = outcome == CRunObserver::Outcome::Stopped;
-    m_console.err.Line(stopped
-                           ? L"dsw: stopped, the result is that of the part that was done"
-                           : L"dsw: the engine gave up, memory ran out: the result is that of the part that was done");
+    m_console.Complain(Text(stopped ? IDS_RUN_STOPPED : IDS_RUN_GAVE_UP));
     return stopped ? ExitStatus::Stopped : ExitStatus::Failed;
 }

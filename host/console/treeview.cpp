@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "host/common/texts.h"
 #include "host/common/treewalk.h"
 #include "host/console/columns.h"
 
@@ -20,11 +21,11 @@ std::wstring Label(Node& node, const std::wstring& /*path*/) {
 }
 
 std::wstring Label(IAppGarbageInfo& app, const std::wstring& /*path*/) {
-    return app.GetInfo()->NameText + std::wstring(app.IsAppPresent() ? L" (present)" : L" (not present)");
+    return Text(app.IsAppPresent() ? IDS_PRESENT : IDS_NOT_PRESENT, {app.GetInfo()->NameText});
 }
 
 std::wstring Label(IGarbageInfo& /*rule*/, const std::wstring& path) {
-    return L"rule " + path.substr(path.rfind(L'/') + 1);
+    return Text(IDS_RULE_NUMBER, {path.substr(path.rfind(L'/') + 1)});
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "host/common/executable.h"
 #include "host/common/hosterror.h"
 #include "host/common/sizetext.h"
+#include "host/common/texts.h"
 #include "host/common/updatemessage.h"
 #include "host/console/cancel.h"
 #include "sysservices/handle.h"
@@ -14,8 +15,9 @@
 
 namespace {
 
-void Require(uint32_t code, const CString& what) {
-    if (code != InternetFileResult::kSuccess) throw CHostError(what + L": " + UpdateMessage(code));
+// `text` is what to say of any other code than success.
+void Require(uint32_t code, unsigned text, const CString& address = {}) {
+    if (code != InternetFileResult::kSuccess) throw CHostError(Text(text, {UpdateMessage(code), address}));
 }
 
 // The update object, ready for the length of the scope.
@@ -23,7 +25,7 @@ class CUpdate {
 public:
     CUpdate() : m_object(m_module.UpdateObject()) {
         if (!m_object) throw CHostError(UpdateMessage(InternetFileResult::kFileNotReady));
-        Require(m_object->Init(), L"cannot begin the update");
+        Require(m_object->Init(), IDS_UPDATE_NOT_BEGUN);
     }
     ~CUpdate() { m_object->Uninit(); }
     CUpdate(const CUpdate&) = delete;
@@ -40,14 +42,13 @@ private:
 void RequireWritable(const CString& folder) {
     const DWORD attributes = GetFileAttributesW(folder.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY))
-        throw CHostError(L"cannot find the folder " + folder + L": make it, or check the path after --to");
+        throw CHostError(Text(IDS_TARGET_MISSING, {folder}));
     const CString probe = JoinPath(folder, L"dsw-probe.tmp");
     const CHandle file(
         CreateFileW(probe.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
     const DWORD error = GetLastError();
     if (!file && error != ERROR_FILE_EXISTS)
-        throw CHostError(L"cannot write into the folder " + folder + L" (error " + std::to_wstring(error)
-                         + L"): choose another one after --to");
+        throw CHostError(Text(IDS_TARGET_NOT_WRITABLE, {folder, std::to_wstring(error)}));
 }
 
 Amount PrintFetched(COutput& out, const CString& folder, const CString& listUrl) {
@@ -72,20 +73,19 @@ void KeepVersion(const CUpdate& update, uint32_t version, CConsole& console) {
     update->SetConfigVersion(version);
     const CString file = VersionFile();
     if (GetPrivateProfileIntW(L"Config", L"version", 0, file.c_str()) != version)
-        console.err.Line(L"dsw: the version number cannot be kept in " + file
-                         + L", so the next update fetches the files again: make that folder writable");
+        console.Complain(Text(IDS_VERSION_NOT_KEPT, {file}));
 }
 
 // The version on the server, or nothing when it is not newer than the installed one.
 std::optional<uint32_t> NewerVersion(const CUpdate& update, const CString& url, COutput& out) {
     uint32_t installed = 0;
-    Require(update->GetCurConfigVersion(&installed), L"cannot read the installed version");
-    out.Line(L"Installed version: " + std::to_wstring(installed));
+    Require(update->GetCurConfigVersion(&installed), IDS_INSTALLED_VERSION_UNKNOWN);
+    out.Line(Text(IDS_INSTALLED_VERSION, {std::to_wstring(installed)}));
     if (url.empty()) return installed;
     uint32_t published = 0;
-    Require(update->GetWanConfigVersion(url.c_str(), &published), L"cannot fetch the published version " + url);
-    if (published == 0) throw CHostError(url + L" holds no version number: check the address after --version-url");
-    out.Line(L"Published version: " + std::to_wstring(published));
+    Require(update->GetWanConfigVersion(url.c_str(), &published), IDS_PUBLISHED_VERSION_UNKNOWN, url);
+    if (published == 0) throw CHostError(Text(IDS_NO_VERSION_NUMBER, {url}));
+    out.Line(Text(IDS_PUBLISHED_VERSION, {std::to_wstring(published)}));
     if (published > installed) return published;
     return {};
 }
@@ -101,19 +101,18 @@ ExitStatus RunUpdate(const UpdateOptions& options, CConsole& console) {
     const CUpdate update;
     const auto version = NewerVersion(update, versionUrl, console.out);
     if (!version) {
-        console.out.Line(L"Up to date, nothing was fetched.");
+        console.out.Line(Text(IDS_UP_TO_DATE));
         return ExitStatus::Done;
     }
     if (cancel.Requested()) {
-        console.err.Line(L"dsw: stopped, nothing was fetched");
+        console.Complain(Text(IDS_UPDATE_STOPPED));
         return ExitStatus::Stopped;
     }
-    Require(update->GetFileListFromURL(list.c_str(), folder.c_str()), L"cannot fetch the files of the list " + list);
+    Require(update->GetFileListFromURL(list.c_str(), folder.c_str()), IDS_FILES_NOT_FETCHED, list);
     const Amount fetched = PrintFetched(console.out, folder, list);
-    if (fetched.items == 0) throw CHostError(L"the list " + list + L" names no file: nothing was replaced");
+    if (fetched.items == 0) throw CHostError(Text(IDS_LIST_IS_EMPTY, {list}));
     if (!versionUrl.empty()) KeepVersion(update, *version, console);
-    console.out.Line(L"Fetched " + ItemCount(fetched.items) + L", " + FullSize(fetched.bytes) + L", into " + folder
-                     + L".");
+    console.out.Line(Text(IDS_FETCHED, {ItemCount(fetched.items), FullSize(fetched.bytes), folder}));
     return ExitStatus::Done;
 }
 

@@ -3,6 +3,7 @@
 #include "host/common/itemstate.h"
 #include "host/common/printable.h"
 #include "host/common/sizetext.h"
+#include "host/common/texts.h"
 #include "host/console/columns.h"
 #include "host/console/progressline.h"
 
@@ -11,6 +12,13 @@ TEST(HostText, SizesAreReadableAndExact) {
     EXPECT_EQ(FullSize(1024), L"1.0 KB (1,024 bytes)");
     EXPECT_EQ(FullSize(1024 * 1024 - 1), L"1023.9 KB (1,048,575 bytes)");
     EXPECT_EQ(FullSize(~0ULL), L"15.9 EB (18,446,744,073,709,551,615 bytes)");
+}
+
+TEST(HostText, PlaceholdersTakeTheirValuesInTheFirstLanguageToo) {
+    SetTextLanguage(MAKELANGID(LANG_WELSH, SUBLANG_NEUTRAL));
+    EXPECT_EQ(Text(IDS_USAGE, {L"100%2 \n", L"%1"}), L"100%2 \n (%1 --help tells the usage)");
+    EXPECT_EQ(Text(IDS_USAGE), L" ( --help tells the usage)");
+    EXPECT_EQ(Text(IDS_TOTAL), L"Total");
 }
 
 TEST(HostText, ColumnsFollowTheWidthOfLetters) {
