@@ -6,7 +6,7 @@
 #include "host/common/engineoptions.h"
 #include "host/common/nodepaths.h"
 
-// An engine with its rules and names loaded, and selected what the command line says, for one command.
+// An engine with its rules and names loaded, and with that selected which the options say.
 class CEngine {
 public:
     // Throws CHostError when a file is missing or holds nothing that the engine can use, or a pattern matches nothing.

@@ -30,6 +30,60 @@ std::string CheckRule(const std::string& rule) {
                       + "</GarbageCatagory></AppInfo></AppCategoryInfo></Rules>");
 }
 
+// What is found in rules, and the rules.
+const std::string kTool = "IsFolder='1' FolderEnvDir='LOCALAPPDATA' Path='Tool' ";
+const std::pair<const char*, std::vector<std::string>> kRuleRows[] = {
+    // The harmless neighbours of what follows.
+    {"",
+     {"Path='D:\\' IsFolder='1' Filter='*.tmp'", "FolderEnvDir='TEMP' IsFolder='1' Iteration='1'",
+      "FolderIndex='40' IsFolder='1' Filter='*.log'", "Path='' EmptyProc='NT_ClearHistory'", "FolderIndex='10'",
+      "FolderIndex='26' IsFolder='1' LoopPath='1'><LoopPath Path='*' AddPath='Cache'/>",
+      "FolderEnvDir='ProgramFiles' Path='Tool\\Logs' IsFolder='1'",
+      "FolderEnvDir='USERPROFILE' Path='Documents ' IsFolder='1'",  // which is not "Documents"
+      "FolderEnvDir='SystemDrive' Path='\\Windows.old' IsFolder='1' Iteration='1'", kTool + "ExcludeFilter='.log|.tmp'",
+      kTool + "ExcludeFilter='.log|.log1'", kTool + "ExcludeFilter='desktop.ini|index.dat|thumbs.db'",
+      kTool + "/><GarbageInfo " + kTool + "Filter='*.x'/><XP><GarbageInfo " + kTool
+          + "/></XP><GarbageInfo Path='C:\\x'>"}},
+    {"2N name-form", {kTool + "ExcludePath='1' Iteration='1'><excludepath Path='a'/>"}},
+    {"2E drive-root",
+     {"FolderEnvDir='SystemDrive' IsFolder='1'", "FolderEnvDir='SystemDrive' Path='\\' IsFolder='1'",
+      "Path='D:\\' IsFolder='1' Filter='*.tmp' Iteration='1'"}},
+    {"2E whole-folder",
+     {"FolderEnvDir='TEMP' Path='..\\..' IsFolder='1' Filter='*.*'",
+      "FolderEnvDir='SystemDrive' Path='\\Windows\\System32' IsFolder='1'",
+      "Path='E:/Users/Bob/./Documents./' IsFolder='1'",
+      "FolderIndex='26' IsFolder='1' LoopPath='1'><LoopPath Path='*' AddPath='.'/>",
+      "FolderIndex='40' GetByReg='1' RootKey='HKCU' Path='K' Value='V'"}},
+    {"2E relative-location", {"Path='Temp\\x'"}},
+    {"2W program-folder", {"FolderEnvDir='ProgramFiles' Path='Cache Tool\\bin' IsFolder='1'"}},
+    {"2W all-values", {"Registry='1' RootKey='HKCU' KeyPath='x' Value='|'"}},
+    {"2W loop-without-step", {kTool + "LoopPath='1'", kTool + "LoopPath='1'><LoopPath TerminalPath='x'/>"}},
+    {"2W does-nothing, 3W does-nothing", {kTool + "LoopPath='1'><LoopPath Path='a\\b'/>\n<LoopPath Path='.x'/>"}},
+    {"2W exclude-without-child", {kTool + "Iteration='1' ExcludePath='1'"}},
+    {"2E ignored-children",
+     {kTool + "Iteration='1'><ExcludePath Path='keep'/>",
+      "Path='C:\\D' IsFolder='1' Iteration='1' ExcludePath='1'><ExcludePath Path='x'/>"}},
+    {"2W no-effect, 2N loose-exclusion",
+     {kTool + "Iteration='1' ExcludePath='1'><ExcludePath Path='a\\b'/><ExcludePath Path='a' ExactMatch='1'/>"}},
+    {"2W unresolvable-location", {"FolderEnvDir='LOCALAPDATA' Path='x'", "FolderIndex='99' Path='x'", ""}},
+    {"3W unresolvable-location", {"FolderEnvDir='APPDATA'\nPath='%X%\\y'"}},
+    {"2W does-nothing", {"Path=''", kTool + "Filter='*.a|*.b'", kTool + "SelfExclude='1'"}},
+    {"2W no-effect, 2W does-nothing",
+     {"FolderEnvDir='APPDATA' Path='x\\*.log' Filter='*'", "FolderIndex='4' Path='x'"}},
+    {"2W no-effect",
+     {"Registry='1' RootKey='HKCU' KeyPath='x' Filter='y'",
+      "Registry='1' RootKey='HKCU' KeyPath='x' ExcludeFilter='.tmp|.log'"}},
+    {"2E missing-attribute", {"Registry='1' RootKey='HKCU'"}},
+    // Of four parts of names two are found, of two in the wrong order one.
+    {"2W unreachable-token, 2W unreachable-token", {kTool + "ExcludeFilter='.tmp|.log|.bak|.old'"}},
+    {"2W unreachable-token", {kTool + "ExcludeFilter='.tmp|.log'"}},
+    {"2W dropped-token", {kTool + "ExcludeFilter='.log1|.log'"}},
+    {"2W impossible-token", {kTool + "ExcludeFilter='*.bak'"}},
+    {"2N whole-name-token", {kTool + "ExcludeFilter='Cookies|History'"}},
+    {"3W duplicate-rule",
+     {kTool + "/>\n<GarbageInfo SelState='0' FolderEnvDir='USERPROFILE' Path='appdata\\local\\tool' IsFolder='1'>"}},
+};
+
 }  // namespace
 
 TEST(Check, FindsFaultsOfTheFile) {
@@ -54,60 +108,7 @@ TEST(Check, FindsFaultsOfTheFile) {
 }
 
 TEST(Check, FindsFaultsOfARule) {
-    const std::string tool = "IsFolder='1' FolderEnvDir='LOCALAPPDATA' Path='Tool' ";
-    const std::pair<const char*, std::vector<std::string>> rows[] = {
-        // The harmless neighbours of what follows.
-        {"",
-         {"Path='D:\\' IsFolder='1' Filter='*.tmp'", "FolderEnvDir='TEMP' IsFolder='1' Iteration='1'",
-          "FolderIndex='40' IsFolder='1' Filter='*.log'", "Path='' EmptyProc='NT_ClearHistory'", "FolderIndex='10'",
-          "FolderIndex='26' IsFolder='1' LoopPath='1'><LoopPath Path='*' AddPath='Cache'/>",
-          "FolderEnvDir='ProgramFiles' Path='Tool\\Logs' IsFolder='1'",
-          "FolderEnvDir='USERPROFILE' Path='Documents ' IsFolder='1'",  // which is not "Documents"
-          "FolderEnvDir='SystemDrive' Path='\\Windows.old' IsFolder='1' Iteration='1'",
-          tool + "ExcludeFilter='.log|.tmp'", tool + "ExcludeFilter='.log|.log1'",
-          tool + "ExcludeFilter='desktop.ini|index.dat|thumbs.db'",
-          tool + "/><GarbageInfo " + tool + "Filter='*.x'/><XP><GarbageInfo " + tool
-              + "/></XP><GarbageInfo Path='C:\\x'>"}},
-        {"2N name-form", {tool + "ExcludePath='1' Iteration='1'><excludepath Path='a'/>"}},
-        {"2E drive-root",
-         {"FolderEnvDir='SystemDrive' IsFolder='1'", "FolderEnvDir='SystemDrive' Path='\\' IsFolder='1'",
-          "Path='D:\\' IsFolder='1' Filter='*.tmp' Iteration='1'"}},
-        {"2E whole-folder",
-         {"FolderEnvDir='TEMP' Path='..\\..' IsFolder='1' Filter='*.*'",
-          "FolderEnvDir='SystemDrive' Path='\\Windows\\System32' IsFolder='1'",
-          "Path='E:/Users/Bob/./Documents./' IsFolder='1'",
-          "FolderIndex='26' IsFolder='1' LoopPath='1'><LoopPath Path='*' AddPath='.'/>",
-          "FolderIndex='40' GetByReg='1' RootKey='HKCU' Path='K' Value='V'"}},
-        {"2E relative-location", {"Path='Temp\\x'"}},
-        {"2W program-folder", {"FolderEnvDir='ProgramFiles' Path='Cache Tool\\bin' IsFolder='1'"}},
-        {"2W all-values", {"Registry='1' RootKey='HKCU' KeyPath='x' Value='|'"}},
-        {"2W loop-without-step", {tool + "LoopPath='1'", tool + "LoopPath='1'><LoopPath TerminalPath='x'/>"}},
-        {"2W does-nothing, 3W does-nothing", {tool + "LoopPath='1'><LoopPath Path='a\\b'/>\n<LoopPath Path='.x'/>"}},
-        {"2W exclude-without-child", {tool + "Iteration='1' ExcludePath='1'"}},
-        {"2E ignored-children",
-         {tool + "Iteration='1'><ExcludePath Path='keep'/>",
-          "Path='C:\\D' IsFolder='1' Iteration='1' ExcludePath='1'><ExcludePath Path='x'/>"}},
-        {"2W no-effect, 2N loose-exclusion",
-         {tool + "Iteration='1' ExcludePath='1'><ExcludePath Path='a\\b'/><ExcludePath Path='a' ExactMatch='1'/>"}},
-        {"2W unresolvable-location", {"FolderEnvDir='LOCALAPDATA' Path='x'", "FolderIndex='99' Path='x'", ""}},
-        {"3W unresolvable-location", {"FolderEnvDir='APPDATA'\nPath='%X%\\y'"}},
-        {"2W does-nothing", {"Path=''", tool + "Filter='*.a|*.b'", tool + "SelfExclude='1'"}},
-        {"2W no-effect, 2W does-nothing",
-         {"FolderEnvDir='APPDATA' Path='x\\*.log' Filter='*'", "FolderIndex='4' Path='x'"}},
-        {"2W no-effect",
-         {"Registry='1' RootKey='HKCU' KeyPath='x' Filter='y'",
-          "Registry='1' RootKey='HKCU' KeyPath='x' ExcludeFilter='.tmp|.log'"}},
-        {"2E missing-attribute", {"Registry='1' RootKey='HKCU'"}},
-        // Of four parts of names two are found, of two in the wrong order one.
-        {"2W unreachable-token, 2W unreachable-token", {tool + "ExcludeFilter='.tmp|.log|.bak|.old'"}},
-        {"2W unreachable-token", {tool + "ExcludeFilter='.tmp|.log'"}},
-        {"2W dropped-token", {tool + "ExcludeFilter='.log1|.log'"}},
-        {"2W impossible-token", {tool + "ExcludeFilter='*.bak'"}},
-        {"2N whole-name-token", {tool + "ExcludeFilter='Cookies|History'"}},
-        {"3W duplicate-rule",
-         {tool + "/>\n<GarbageInfo SelState='0' FolderEnvDir='USERPROFILE' Path='appdata\\local\\tool' IsFolder='1'>"}},
-    };
-    for (const auto& [findings, rules] : rows)
+    for (const auto& [findings, rules] : kRuleRows)
         for (const std::string& rule : rules)
             EXPECT_EQ(CheckRule(rule), findings) << rule;
 }
