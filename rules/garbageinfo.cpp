@@ -7,9 +7,9 @@
 #include <iterator>
 
 #include "cleaners/emptyprocregistry.h"
+#include "rules/explanation.h"
 #include "rules/folderscan.h"
 #include "rules/location.h"
-#include "rules/registryrule.h"
 #include "rules/ruleelement.h"
 #include "sysservices/appinfomanager.h"
 #include "sysservices/fileaccess.h"
@@ -22,6 +22,10 @@
 #include "tree/igarbagecatagory.h"
 
 namespace {
+
+constexpr uint32_t If(bool set, GarbageScopeFlags flag) noexcept {
+    return set ? static_cast<uint32_t>(flag) : 0;
+}
 
 void MoveBehind(std::vector<CString>& texts, std::list<CString>& list) {
     std::move(texts.begin(), texts.end(), std::back_inserter(list));
@@ -76,6 +80,7 @@ bool CGarbageInfo::LoadFileRule(const TiXmlElement& element, RuleElement& rule) 
 }
 
 void CGarbageInfo::CreateEmptyProc(const CString& name) {
+    m_emptyProcName = name;
     EmptyProc = EmptyProcRegistry::CreateByName(name);
     // An unknown name costs the rule its cleaner, not its load.
     if (!EmptyProc) DregsweepTrace(L"[Dregsweep] EmptyProc fail %s", name.c_str());
@@ -279,6 +284,77 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
     });
 }
 
+bool CGarbageInfo::Explain(IDetailVisitor* visitor) {
+    if (!visitor) return false;
+    return NoThrow(false, [&] {
+        const auto keepAlive = CReference<CGarbageInfo>::Share(this);
+        CExplanation out(*visitor);
+        if (!m_released) ExplainTo(out);
+        return !out.Stopped();
+    });
+}
+
+// What it looks at, then the actions in the order of Clean.
+void CGarbageInfo::ExplainTo(CExplanation& out) {
+    ExplainScope(out);
+    if (EmptyProc) out.Action(ActionProcedure, {}, m_emptyProcName);
+    if (IsRegistry)
+        WalkRegistry(WhatToRemove(), out);
+    else if (m_shellItem)
+        ExplainShell(out);
+}
+
+void CGarbageInfo::ExplainScope(CExplanation& out) const {
+    if (IsRegistry) return ExplainKey(out);
+    if (m_shellItem && !UseShellBrowse) return out.Scope(ScopeShellFolder, m_shellItem->GetInfo().szDisplayName);
+    if (Path.empty()) return;
+    if (m_shellItem) return out.Scope(ScopeShellItems, Path);
+    IsFolder ? ExplainFolder(out) : out.Scope(ScopeFile, Path);
+}
+
+void CGarbageInfo::ExplainKey(CExplanation& out) const {
+    if (!RootKey || Path.empty()) return;
+    out.Scope(ScopeKey, KeyText(RootKey, Path), Filter, If(Iteration, ScopeBelow) | If(DelKey(), ScopeDeletesKey));
+    for (const CString& name : ValueNames())
+        out.Scope(ScopeValue, name);
+}
+
+void CGarbageInfo::ExplainFolder(CExplanation& out) const {
+    if (LoopPath && LoopSteps.empty()) return;  // looks at nothing
+    out.Scope(ScopeFolder, Path, Filter, If(Iteration, ScopeBelow) | If(SelfExclude && !LoopPath, ScopeNotItself));
+    for (const LoopStep& step : LoopSteps)
+        out.Scope(ScopeStep, step.path, step.addPath);
+    for (const CString& name : TerminalPaths)
+        out.Scope(ScopeEnd, name, {}, If(ExactMatch, ScopeExact));
+    for (const CString& token : ExcludeFilters)
+        out.Scope(ScopeKeptFiles, token);
+    for (const ExcludePathEntry& entry : ExcludePaths)
+        out.Scope(ScopeKeptFolder, entry.path, {}, If(entry.exactMatch, ScopeExact) | If(!entry.iteration, ScopeBelow));
+}
+
+void CGarbageInfo::ExplainShell(CExplanation& out) {
+    if (m_shellItem->IsRecycleBin()) return out.EmptyBin();
+    size_t items = 0;
+    {
+        const CLockGuard guard(m_lock);
+        for (const CFoundItems::FoundItem& item : m_found)
+            items += !UseShellBrowse || item.Path().empty();
+    }
+    if (!UseShellBrowse)
+        out.Action(ActionLeaveFolder, m_shellItem->GetInfo().szDisplayName, {}, items);
+    else if (items > 0)
+        out.Action(ActionShellItems, Path, {}, items);
+}
+
+RegistryRule CGarbageInfo::WhatToRemove() const {
+    return {.root = RootKey,
+            .keyPath = Path,
+            .subKeyFilter = Filter,
+            .iteration = Iteration,
+            .deleteKey = DelKey(),
+            .valueNames = ValueNames()};
+}
+
 bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
     return NoThrow(true, [&] {
         if (m_released) return true;
@@ -286,12 +362,7 @@ bool CGarbageInfo::Clean(uint64_t a, uint64_t b, uint64_t c) {
         if (EmptyProc) EmptyProc->Run(a, b, c);
         if (IsRegistry) {
             // The host is not told what a registry rule removes.
-            CleanRegistry({.root = RootKey,
-                           .keyPath = Path,
-                           .subKeyFilter = Filter,
-                           .iteration = Iteration,
-                           .deleteKey = DelKey(),
-                           .valueNames = ValueNames()});
+            CleanRegistry(WhatToRemove());
             return true;
         }
         return m_shellItem && !UseShellBrowse ? EmptyShellFolder() : CleanFound();

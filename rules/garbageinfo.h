@@ -13,12 +13,14 @@
 #include "rules/founditems.h"
 #include "rules/igarbageinfo.h"
 #include "rules/looppath.h"
+#include "rules/registryrule.h"
 #include "sysservices/itemidlist.h"
 #include "sysservices/lock.h"
 #include "sysservices/shellitemproc.h"
 #include "tree/gatherproc.h"
 #include "tree/volumeproc.h"
 
+class CExplanation;
 class CGarbageCatagory;
 class IGarbageCatagory;
 struct RuleChildren;
@@ -50,6 +52,7 @@ public:
 
     // IGarbageInfo
     void EnumFound(IVisitor* visitor) override;
+    bool Explain(IDetailVisitor* visitor) override;
 
     // CVolumeProc
     bool LoadXml(const TiXmlElement* element) override;
@@ -78,6 +81,12 @@ private:
     void ScanFile(CScan& scan);
     void ScanShellFolder(CScan& scan);
     void ListShellItems(CScan& scan);
+    void ExplainTo(CExplanation& out);
+    void ExplainScope(CExplanation& out) const;
+    void ExplainKey(CExplanation& out) const;
+    void ExplainFolder(CExplanation& out) const;
+    void ExplainShell(CExplanation& out);
+    RegistryRule WhatToRemove() const;
     bool CleanFound();
     bool EmptyShellFolder();
     bool DeleteFoundFile(const CString& path);
@@ -100,13 +109,16 @@ private:
     std::list<LoopStep> LoopSteps;
     std::list<CString> TerminalPaths;
     std::list<CString>& ValueNames() noexcept { return TerminalPaths; }
+    const std::list<CString>& ValueNames() const noexcept { return TerminalPaths; }
     bool ExactMatch = false;  // for the terminal paths
     std::list<ExcludePathEntry> ExcludePaths;
     bool ExcludePath = false;  // has "ExcludePath" children
     bool SelfExclude = false;  // leave out the location's own files
     bool& DelKey() noexcept { return SelfExclude; }
+    bool DelKey() const noexcept { return SelfExclude; }
     HKEY RootKey = nullptr;     // a predefined root, never closed
     CItemIdList m_shellFolder;  // outlives the shell item, which borrows it
     std::unique_ptr<CShellItemProc> m_shellItem;
+    CString m_emptyProcName;
     std::unique_ptr<CGarbageEmptyProc> EmptyProc;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "rules/garbagedetail.h"
 #include "rules/garbagevolume.h"
 #include "rules/ieuobject.h"
 #include "tree/gathercheckproc.h"
@@ -35,6 +36,28 @@ public:
     virtual void EnumFound(IVisitor* visitor) = 0;
     // Always false for a rule.
     virtual bool HasChildren() { return false; }
+
+    // Implemented by the host. Both answer true to go on; an exception counts as false.
+    class IDetailVisitor {
+    public:
+        virtual bool OnScope(const GarbageScope* scope) = 0;
+        virtual bool OnAction(const GarbageAction* action) = 0;
+
+    protected:
+        ~IDetailVisitor() = default;
+    };
+
+    // Tells what the rule looks at, then every action that a clean would take for it beside deleting its found items,
+    // in the order in which it would take them. Whether the rule is selected, or would be reached, plays no part.
+    //
+    // The actions are found at the time of the call by the code that the clean runs, up to the deletion: values and
+    // keys that are there, the bin as full as it is. Nothing is changed. A key that does not admit the clean is not
+    // told either; one that is to be deleted is told also while it has sub-keys, which an earlier rule may take. What
+    // changes between this call and a clean, the clean does without a word.
+    //
+    // Any thread; it waits while a clean works on this rule. No lock is held while the visitor is called: it may call
+    // the engine. False when the visitor ended it, is null, or memory ran out.
+    virtual bool Explain(IDetailVisitor* visitor) = 0;
 
 protected:
     explicit IGarbageInfo(IGarbageCatagory* parent) noexcept : CGatherCheckProc(parent) {}

@@ -6,11 +6,12 @@
 struct RootKeyName {
     const char* name;
     HKEY root;
+    const wchar_t* shown;  // to people
 };
 
 inline const RootKeyName kRootKeyNames[] = {
-    {"HKLM", HKEY_LOCAL_MACHINE},
-    {"HKCU", HKEY_CURRENT_USER},
-    {"HKCR", HKEY_CLASSES_ROOT},
-    {"HKUR", HKEY_USERS},
+    {"HKLM", HKEY_LOCAL_MACHINE, L"HKLM"},
+    {"HKCU", HKEY_CURRENT_USER, L"HKCU"},
+    {"HKCR", HKEY_CLASSES_ROOT, L"HKCR"},
+    {"HKUR", HKEY_USERS, L"HKU"},
 };

@@ -6,12 +6,19 @@ namespace {
 
 HKEY Open(HKEY root, const wchar_t* path, REGSAM access) noexcept {
     HKEY key = nullptr;
-    return RegOpenKeyExW(root, path, 0, access, &key) == ERROR_SUCCESS ? key : nullptr;
+    const LSTATUS status = RegOpenKeyExW(root, path, 0, access, &key);
+    if (status == ERROR_SUCCESS) return key;
+    SetLastError(static_cast<DWORD>(status));
+    return nullptr;
 }
 
 }  // namespace
 
 CRegistryKey::CRegistryKey(HKEY root, const wchar_t* path, REGSAM access) noexcept : COwner(Open(root, path, access)) {}
+
+bool CRegistryKey::HasValue(const wchar_t* name) const noexcept {
+    return RegQueryValueExW(get(), name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+}
 
 bool CRegistryKey::ReadText(const wchar_t* valueName, DWORD bytes, CString& out) const {
     // Longer than the call is told, and zeroed: a value may be stored without its terminator.

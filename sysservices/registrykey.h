@@ -11,9 +11,11 @@ struct RegistryKeyKind {
 // An opened registry key. Predefined roots are passed as plain HKEYs and never owned.
 class CRegistryKey : public COwner<RegistryKeyKind> {
 public:
-    // Opens root\path. Test the object for success; an unopened key is null.
+    // Opens root\path. Test the object for success; an unopened key is null, and the thread's last error tells why.
     CRegistryKey(HKEY root, const wchar_t* path, REGSAM access) noexcept;
 
+    // Is there such a value, be it empty?
+    bool HasValue(const wchar_t* name) const noexcept;
     // Reads a value of whatever type as text, up to its first NUL; nothing in it is expanded. `bytes` is the room that
     // the stored value, terminator included, may take: a longer one is not read, never shortened. False, with `out`
     // empty, when there is no such value or it is too long.

@@ -78,14 +78,17 @@ bool CShellItemProc::InvokeDelete(LPCITEMIDLIST childPidl) const noexcept {
     return SUCCEEDED(menu->InvokeCommand(&command));
 }
 
-bool CShellItemProc::EmptyRecycleBin() const noexcept {
+bool CShellItemProc::IsRecycleBin() const noexcept {
     if (!m_wholeItemMode) return false;
     // Compared by bytes: the shell's own comparison may go by name, and a rule on another virtual folder must not empty
     // every bin of the machine. Lists of special folders are the same bytes each time.
     CItemIdList bin;
     if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, bin.Put()))) return false;
-    if (!CItemIdList::SameBytes(m_pidl, bin.get())) return false;
+    return CItemIdList::SameBytes(m_pidl, bin.get());
+}
 
+bool CShellItemProc::EmptyRecycleBin() const noexcept {
+    if (!IsRecycleBin()) return false;
     // Without a root the bins of all drives. The result does not tell: the call fails on bins that are empty already.
     constexpr DWORD kSilently = SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND;
     (void)SHEmptyRecycleBinW(nullptr, /*root=*/nullptr, kSilently);

@@ -69,9 +69,10 @@ public:
     // shell's own confirmation included. False when the item has no menu or the command fails.
     [[nodiscard]] bool InvokeDelete(LPCITEMIDLIST childPidl) const noexcept;
 
-    // Empties the recycle bins of all drives without confirmation, progress window and sound. Acts only in whole-item
-    // mode and when the folder is the recycle bin. True when it acted, whatever came of it; false when it left the bins
-    // alone.
+    // Is this the recycle bin, and made in whole-item mode? Then EmptyRecycleBin acts.
+    [[nodiscard]] bool IsRecycleBin() const noexcept;
+    // Empties the recycle bins of all drives without confirmation, progress window and sound, if this is the bin. True
+    // when it acted, whatever came of it.
     [[nodiscard]] bool EmptyRecycleBin() const noexcept;
 
     // Walks a folder of the file system, with `recurse` its subfolders too. Subfolders and files come in the order of

@@ -28,6 +28,7 @@ public:
     bool Discard() override;
     bool HostNotify1(uint64_t arg) override;
     bool HostNotify2(uint64_t arg) override;
+    const wchar_t* GetLockFile() override { return LockFile.c_str(); }
 
     // CVolumeProc
     bool LoadXml(const TiXmlElement* element) override;
@@ -48,7 +49,7 @@ private:
     CChildList<CGarbageCatagory, IGarbageCatagory> m_children;
     bool Present = false;
     CIcon AppIcon;
-    CString LockFile;  // loaded and kept; nothing tests it
+    CString LockFile;
     CString ProductName;
 };
 

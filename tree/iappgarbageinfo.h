@@ -26,6 +26,9 @@ public:
     // Relay `arg` to the host's first and second step notification; its answer, or true when there is nobody to ask.
     virtual bool HostNotify1(uint64_t arg) = 0;
     virtual bool HostNotify2(uint64_t arg) = 0;
+    // "LockFile" of the rule file as it stands there, variables not expanded; empty for none. The engine only keeps it:
+    // a file that the application holds open while it runs, for the host to look at. Valid as long as the application.
+    virtual const wchar_t* GetLockFile() = 0;
 
 protected:
     explicit IAppGarbageInfo(IAppCatagory* parent) noexcept : CGatherCheckProc(parent) {}

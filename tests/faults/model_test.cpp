@@ -17,6 +17,7 @@
 #include "tests/dregsweep/engine.h"
 #include "tests/support/folderlink.h"
 #include "tests/support/iatpatch.h"
+#include "tests/support/recordingdetails.h"
 #include "tests/support/tempfolder.h"
 
 namespace {
@@ -76,6 +77,9 @@ public:
         ASSERT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
         for (const bool clean : {false, true, false}) {
             RecordingHost host(m_folder.path());
+            RecordingDetails shown;
+            ExplainSelected(*engine, shown);
+            const Model::Registry before = m_model.registry;
             EXPECT_TRUE(clean ? engine->Clean(&host) : engine->Gather(&host));
             std::erase_if(host.lines, [](const std::wstring& line) { return line[0] != L'f' && line[0] != L'e'; });
             Lines expected = m_model.Run(m_root, clean);
@@ -87,6 +91,7 @@ public:
             CompareFiles(*m_base);
             CompareFiles(*m_elsewhere);
             EXPECT_EQ(ReadRegistry(m_key), m_model.registry);
+            EXPECT_THAT(shown.lines, testing::IsSupersetOf(Gone(before, m_model.registry)));
         }
     }
     std::string Describe() const {
@@ -261,6 +266,29 @@ private:
             for (size_t i = 0; i < children.size(); ++i)
                 Compare(*children[i], level.below[i], clean);
         }
+    }
+    template <class Node>
+    static void ExplainSelected(Node& node, RecordingDetails& details) {
+        if constexpr (requires { node.Explain(nullptr); }) {
+            if (node.GetState() != SelectionNone) node.Explain(&details);
+            for (std::wstring& line : details.lines)
+                line = Lower(line);
+        } else {
+            for (const auto& child : ChildrenOf(node))
+                ExplainSelected(*child, details);
+        }
+    }
+    // As the actions that take it.
+    static Lines Gone(const Model::Registry& before, const Model::Registry& after) {
+        Lines gone;
+        for (const auto& [key, values] : before) {
+            const auto left = after.find(key);
+            if (left == after.end()) gone.push_back(L"action 2 hkcu\\" + key + L"|");
+            for (const CString& value : values)
+                if (left != after.end() && !left->second.contains(value))
+                    gone.push_back(L"action 3 hkcu\\" + key + L"|" + value);
+        }
+        return gone;
     }
     static void CompareFiles(const Node& node) {
         EXPECT_EQ(GetFileAttributesW(node.path.c_str()) != INVALID_FILE_ATTRIBUTES, node.exists) << node.path;

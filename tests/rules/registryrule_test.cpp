@@ -2,6 +2,7 @@
 
 #include "sysservices/registrykey.h"
 #include "tests/rules/recordingrule.h"
+#include "tests/support/recordingdetails.h"
 
 namespace {
 
@@ -35,9 +36,12 @@ protected:
         EXPECT_TRUE(
             rule.Load("Registry='1' RootKey='" + root + "' KeyPath='" + WideToUtf8(kKey) + subKey + "' " + attributes));
         const CString before = Content();
-        EXPECT_TRUE(rule.Gather());
+        RecordingDetails shown, after;
+        EXPECT_TRUE(rule.Gather() && rule.Explain(&shown));
         EXPECT_EQ(Content(), before);
         EXPECT_TRUE(rule.Clean(1, 2, 3) && rule.found.empty() && rule.emptied.empty());
+        EXPECT_TRUE(rule.Explain(&after));
+        EXPECT_TRUE(shown.lines.size() > after.lines.size() && after.lines.size() == 1) << "all that was shown is gone";
     }
 };
 
