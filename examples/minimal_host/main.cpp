@@ -99,8 +99,70 @@ void PrintTree(IDregsweep& engine) {
     });
 }
 
+// What a clean would do beside deleting what was found.
+class CActionPrinter final : public IGarbageInfo::IDetailVisitor {
+public:
+    bool OnScope(const GarbageScope*) override { return true; }
+    bool OnAction(const GarbageAction* action) override {
+        const std::wstring target = action->Target, items = std::to_wstring(action->Items);
+        switch (action->Kind) {
+            case ActionProcedure:
+                Print(std::wstring(L"will run ") + action->Name);
+                break;
+            case ActionDeleteKey:
+                Print(L"will delete the key " + target);
+                break;
+            case ActionDeleteValue:
+                Print(L"will delete the value \"" + std::wstring(action->Name) + L"\" of " + target);
+                break;
+            case ActionShellItems:
+                Print(L"will delete " + items + L" more items of " + target);
+                break;
+            case ActionEmptyBin:
+                Print(action->Items == kGarbageUnknown ? L"will empty the recycle bin"
+                                                       : L"will empty the recycle bin of " + items + L" items");
+                break;
+            default:
+                break;  // a folder that is left alone
+        }
+        return true;
+    }
+};
+
+// A program keeps its lock file open while it runs: nobody else can have it to himself then.
+void WarnIfRunning(IAppGarbageInfo& application) {
+    wchar_t path[MAX_PATH];
+    const DWORD length = ExpandEnvironmentStringsW(application.GetLockFile(), path, MAX_PATH);
+    if (length <= 1 || length > MAX_PATH) return;
+    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file != INVALID_HANDLE_VALUE)
+        CloseHandle(file);
+    else if (GetLastError() == ERROR_SHARING_VIOLATION)
+        Print(application.GetInfo()->NameText + std::wstring(L" is running: some of its files will stay"));
+}
+
+// Visits the children that a run visits.
+template <class Node, class Visit>
+void ForEachSelected(Node& node, Visit visit) {
+    ForEachChild(node, [&](auto& child) {
+        if (child.GetState() != SelectionNone) visit(child);
+    });
+}
+
+void PrintActions(IDregsweep& engine) {
+    CActionPrinter printer;
+    ForEachSelected(engine, [&](IAppCatagory& category) {
+        ForEachSelected(category, [&](IAppGarbageInfo& application) {
+            WarnIfRunning(application);
+            ForEachSelected(application, [&](IGarbageCatagory& garbage) {
+                ForEachSelected(garbage, [&](IGarbageInfo& rule) { rule.Explain(&printer); });
+            });
+        });
+    });
+}
+
 bool UserAgrees() {
-    Print(L"Delete these items, and what the selected registry rules name? [y/N]");
+    Print(L"Delete these items, and do the rest? [y/N]");
     return std::getchar() == 'y';
 }
 
@@ -119,6 +181,7 @@ int RunJob(IDregsweep& engine, const wchar_t* rules, const wchar_t* text) {
     // A job that was stopped halfway is not cleaned: its totals are partial.
     if (!engine.Gather(&gather)) return Fail(L"stopped");
     Print(L"found " + std::to_wstring(engine.GetTotalSize()) + L" bytes");
+    PrintActions(engine);
     if (!UserAgrees()) return 0;
     CRun clean;
     const bool finished = engine.Clean(&clean);
