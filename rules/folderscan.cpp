@@ -87,8 +87,6 @@ CFolderScan::Descent CFolderScan::ChooseDescent(CFolderWalk& walk) const {
 }
 
 bool CFolderScan::CollectFile(CFolderWalk& walk) {
-    const WIN32_FIND_DATAW& entry = walk.Entry();
-    const bool isExcluded =
-        !m_target.excludedNames.empty() && m_target.excludedNames.contains(std::wstring_view(entry.cFileName));
-    return isExcluded || m_client.Found(walk.Path(), EntrySize(entry));
+    const bool isExcluded = !m_target.excludedNames.empty() && m_target.excludedNames.contains(walk.Name());
+    return isExcluded || m_client.Found(walk.Path(), EntrySize(walk.Entry()));
 }

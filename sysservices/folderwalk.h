@@ -23,6 +23,8 @@ public:
     // Of the entry at hand, of the folder that has just been left, or where the walk starts.
     const CFoundPath& Path();
     const WIN32_FIND_DATAW& Entry() const noexcept { return m_open.back().search.Entry(); }
+    // The entry's name as the end of Path.
+    std::wstring_view Name() { return std::wstring_view(Path().Text()).substr(m_open.back().place.text + 1); }
     // False when Next has left a folder behind its last entry.
     bool IsAtEntry() const noexcept { return m_isAtEntry; }
 
