@@ -26,7 +26,9 @@ inline constexpr Refusal kRefusals[] = {
      "InternetQueryDataAvailable InternetQueryOptionW InternetReadFile "},
     {" RegDeleteKeyW RegDeleteValueW RegEnumKeyExW RegEnumKeyW RegEnumValueW RegOpenKeyExW RegQueryValueExW ", kDenied},
     {" CreateFileW FindFirstFileW ", kMinusOne},
-    {" CoInitialize SHEmptyRecycleBinW SHGetDesktopFolder SHGetFolderPathW SHGetSpecialFolderLocation ", kFailed},
+    {" CoInitialize SHEmptyRecycleBinW SHGetDesktopFolder SHGetFolderPathW SHGetSpecialFolderLocation "
+     "SHQueryRecycleBinW ",
+     kFailed},
     {" CoCreateInstance ", 0x80040154},
     {" InternetSetFilePointer ", 0xFFFFFFFF},
     {" CloseServiceHandle CloseHandle FindClose FindCloseUrlCache InternetCloseHandle ", 0, ERROR_INVALID_HANDLE, true},

@@ -60,6 +60,11 @@ struct Job {
     virtual bool MayLeak() const { return false; }
 };
 
+struct PassingDetails final : IGarbageInfo::IDetailVisitor {
+    bool OnScope(const GarbageScope*) override { return true; }
+    bool OnAction(const GarbageAction*) override { return true; }
+};
+
 // Keeps nothing that takes memory.
 struct Tally final : IDregsweepCallback {
     bool StepNotify1(uint64_t) override { return true; }
@@ -129,6 +134,11 @@ public:
         if (!m_engine) return;
         m_code = m_engine->Init(m_rules.c_str(), m_texts.c_str(), nullptr);
         m_gathered = m_engine->Gather(&m_tally);
+        NoThrow(true, [this] {
+            PassingDetails details;
+            ForEachRule(*m_engine, [&](IGarbageInfo& rule) { rule.Explain(&details); });
+            return true;
+        });
         m_cleaned = m_engine->Clean(&m_tally);
         NoThrow(true, [this] {
             TiXmlElement saved("R");
@@ -144,11 +154,7 @@ public:
             m_engine->AddAllowedPath(L"x");
             m_engine->ClearAllowedPaths();
             m_hasTexts = NamesOf(*m_engine) == L"N;";
-            for (const auto& category : ChildrenOf(*m_engine))
-                for (const auto& app : ChildrenOf(*category))
-                    for (const auto& garbage : ChildrenOf(*app))
-                        for (const auto& rule : ChildrenOf(*garbage))
-                            rule->EnumFound(nullptr), rule->GetNextChild(nullptr);
+            ForEachRule(*m_engine, [](IGarbageInfo& rule) { rule.EnumFound(nullptr), rule.GetNextChild(nullptr); });
         }).join();
         for (const wchar_t* kept : kKeptFiles)
             EXPECT_TRUE(m_folder.Has(kept)) << kept;

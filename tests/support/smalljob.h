@@ -81,6 +81,15 @@ auto ChildrenOf(Node& node) {
     return children;
 }
 
+template <class Act>
+void ForEachRule(IDregsweep& engine, Act act) {
+    for (const auto& category : ChildrenOf(engine))
+        for (const auto& app : ChildrenOf(*category))
+            for (const auto& garbage : ChildrenOf(*app))
+                for (const auto& rule : ChildrenOf(*garbage))
+                    act(*rule);
+}
+
 // The names of all children, each followed by ";".
 template <class Node>
 std::wstring NamesOf(Node& node) {
