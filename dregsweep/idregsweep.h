@@ -6,7 +6,8 @@
 //     auto getImp = reinterpret_cast<DregsweepFactory>(GetProcAddress(module, "GetImp"));
 //     IDregsweep* engine = getImp();
 //     engine->Init(L"C:\\Tool\\rules.xml", L"C:\\Tool\\ResIDText.xml", nullptr);
-//     if (engine->Gather(&callback) && UserAgrees()) engine->Clean(&callback);
+//     engine->Gather(&callback);  // tells the items; IGarbageInfo::Explain tells what else a clean does
+//     if (UserAgrees()) engine->Clean(&callback);
 //     engine->Uninit();
 //     engine->Release();
 //
@@ -47,8 +48,8 @@ constexpr uint64_t kDregsweepNoTextTable = 0xB80006;   // ChangeResID: the file 
 //
 // Threads: AddRef and Release from any thread; AddAllowedPath and ClearAllowedPaths too. A second run, the enumeration,
 // ChangeResID and Uninit wait while another thread's run lasts; what hangs below the categories does not wait, so leave
-// the tree (enumeration, selection, found items) alone during another thread's run. Do not call Init from two threads
-// at once, nor the step notifications from a thread other than the run's.
+// the tree (enumeration, selection, found items; not Explain) alone during another thread's run. Do not call Init from
+// two threads at once, nor the step notifications from a thread other than the run's.
 class IDregsweep : public CGatherIteratorProc<IAppCatagory>, public virtual IEUObject, public virtual CGarbageVolume {
 public:
     // Enumerate the top-level categories, in the order of the rule file, each with a reference for the caller. Null at
@@ -88,10 +89,11 @@ public:
     // costs that rule and still answers true.
     virtual bool Gather(IDregsweepCallback* callback) = 0;
     // Deletes what the last Gather found for the rules that are still selected, and runs the registry rules and special
-    // cleaners among them. Arguments and answers as for Gather. A gather makes all that is selected in a category part
-    // of the job as it enters the category, and nothing takes it out again but deselecting: after a gather that was
-    // stopped, a clean also runs registry rules and special cleaners that the gather had not reached, and those that an
-    // earlier gather had. A category that no gather has entered is not cleaned.
+    // cleaners among them, of which no notification tells: ask IGarbageInfo::Explain before. Arguments and answers as
+    // for Gather. A gather makes all that is selected in a category part of the job as it enters the category, and
+    // nothing takes it out again but deselecting: after a gather that was stopped, a clean also runs registry rules and
+    // special cleaners that the gather had not reached, and those that an earlier gather had. A category that no gather
+    // has entered is not cleaned.
     virtual bool Clean(IDregsweepCallback* callback) = 0;
     // What Gather and Clean do to all categories before they start. Always true.
     virtual bool ResetForGather() = 0;
@@ -127,6 +129,6 @@ using DregsweepUpdateFactory = IInternetFileProc* (*)();
 using DregsweepServiceFunction = bool (*)();
 
 // While the library is loaded, an exception in the process that nobody handles leaves "dsw.dmp" in the folder of the
-// host's executable; the exception filter that was there before is discarded. A filter that was
-// installed later and calls ours keeps a pointer into the library. Before FreeLibrary, release every engine and node,
-// and uninitialise and release the update object: their code goes with the library.
+// host's executable; the exception filter that was there before is discarded. A filter that was installed later and
+// calls ours keeps a pointer into the library. Before FreeLibrary, release every engine and node, and uninitialise and
+// release the update object: their code goes with the library.

@@ -9,7 +9,7 @@ namespace {
 
 // The two ways to fold case do not agree about every letter: lower-cased, the Kelvin sign is a "k", which upper-cased
 // is no Kelvin sign. Either will do, so that the entry always matches the folder that it was copied from.
-bool EqualIgnoringCase(std::wstring_view text, std::wstring_view lower) {
+bool EqualByEitherMapping(std::wstring_view text, std::wstring_view lower) {
     const int order = CompareStringOrdinal(text.data(), static_cast<int>(text.size()), lower.data(),
                                            static_cast<int>(lower.size()), TRUE);
     // Taken for different, a folder that is to be left out would be cleaned.
@@ -21,7 +21,7 @@ bool Matches(const ExcludePathEntry& entry, std::wstring_view folderPath, std::w
     if (!entry.exactMatch) return lowerName.find(entry.path) != std::wstring_view::npos;
     if (folderPath.size() < entry.path.size()) return false;
     // The tail may begin inside a name: "emp" matches "C:\Temp".
-    return EqualIgnoringCase(folderPath.substr(folderPath.size() - entry.path.size()), entry.path);
+    return EqualByEitherMapping(folderPath.substr(folderPath.size() - entry.path.size()), entry.path);
 }
 
 }  // namespace

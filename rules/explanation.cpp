@@ -2,6 +2,8 @@
 
 #include <shellapi.h>
 
+#include "rules/rootkeyname.h"
+
 void CExplanation::Scope(GarbageScopeKind kind, const CString& text, const CString& pattern, uint32_t flags) {
     if (m_stopped) return;
     const GarbageScope scope = {kind, flags, text.c_str(), pattern.c_str()};
@@ -24,7 +26,7 @@ void CExplanation::EmptyBin() {
 }
 
 bool CExplanation::OnKey(HKEY root, const CString& path) {
-    if (KeyExists(root, path)) Action(ActionDeleteKey, KeyText(root, path));
+    if (CRegistryKey::Exists(root, path.c_str())) Action(ActionDeleteKey, KeyText(root, path));
     return !m_stopped;
 }
 

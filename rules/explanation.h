@@ -4,9 +4,9 @@
 #include "rules/registryrule.h"
 
 // What a rule tells a visitor about itself. Once the visitor has answered false, nothing more is told.
-class CExplanation final : public IRegistryHits {
+class CExplanation final : public IRegistryVisitor {
 public:
-    explicit CExplanation(IGarbageInfo::IDetailVisitor& visitor) noexcept : m_visitor(visitor) {}
+    explicit CExplanation(IGarbageInfo::IExplanationVisitor& visitor) noexcept : m_visitor(visitor) {}
 
     void Scope(GarbageScopeKind kind, const CString& text, const CString& pattern = {}, uint32_t flags = 0);
     void Action(GarbageActionKind kind, const CString& target, const CString& name = {}, uint64_t items = 0,
@@ -16,11 +16,11 @@ public:
 
     bool Stopped() const noexcept { return m_stopped; }
 
-    // IRegistryHits: what is there becomes an action.
+    // IRegistryVisitor: what is there becomes an action.
     bool OnKey(HKEY root, const CString& path) override;
     bool OnValue(HKEY root, const CRegistryKey& key, const CString& keyPath, const CString& name) override;
 
 private:
-    IGarbageInfo::IDetailVisitor& m_visitor;
+    IGarbageInfo::IExplanationVisitor& m_visitor;
     bool m_stopped = false;
 };

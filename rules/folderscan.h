@@ -42,21 +42,18 @@ public:
     [[nodiscard]] bool ScanFolder(const CFoundPath& folder, bool withFiles);
 
 private:
-    // What becomes of the entries of an open folder. A search with a pattern does not tell the folders below: they take
-    // a pass of their own, before the files.
-    struct Pass {
-        bool entersFolders;
-        bool filesFollow;
-    };
+    // What an open folder is gone through for. A search with a pattern does not tell the folders below: they take a
+    // pass of their own, before the files.
+    enum class Pass { Everything, Folders, FoldersThenFiles, Files };
     enum class Descent { Skip, WithFiles, WithoutFiles };
 
-    void Enter(CFolderWalk& walk, bool withFiles);
+    void EnterIfAllowed(CFolderWalk& walk, bool withFiles);
+    void Begin(CFolderWalk& walk, CFileSearch search, Pass pass);
+    void EndPass(CFolderWalk& walk);
+    CFileSearch ListFolder(const CFolderWalk& walk);
     [[nodiscard]] bool VisitEntry(CFolderWalk& walk);
-    void Leave(CFolderWalk& walk);
-    CFileSearch ListFolder(CFolderWalk& walk);
-    void CollectFiles(CFolderWalk& walk);
-    Descent ChooseDescent(CFolderWalk& walk) const;
-    [[nodiscard]] bool CollectFile(CFolderWalk& walk);
+    Descent ChooseDescent(const CFolderWalk& walk) const;
+    [[nodiscard]] bool CollectFile(const CFolderWalk& walk);
 
     const FolderScanTarget m_target;
     IFolderScanClient& m_client;

@@ -10,6 +10,7 @@
 #include "rules/explanation.h"
 #include "rules/folderscan.h"
 #include "rules/location.h"
+#include "rules/rootkeyname.h"
 #include "rules/ruleelement.h"
 #include "sysservices/appinfomanager.h"
 #include "sysservices/fileaccess.h"
@@ -23,11 +24,11 @@
 
 namespace {
 
-constexpr uint32_t If(bool set, GarbageScopeFlags flag) noexcept {
+constexpr uint32_t FlagIf(bool set, GarbageScopeFlags flag) noexcept {
     return set ? static_cast<uint32_t>(flag) : 0;
 }
 
-void MoveBehind(std::vector<CString>& texts, std::list<CString>& list) {
+void MoveToEnd(std::vector<CString>& texts, std::list<CString>& list) {
     std::move(texts.begin(), texts.end(), std::back_inserter(list));
 }
 
@@ -55,7 +56,7 @@ bool CGarbageInfo::LoadXml(const TiXmlElement* element) {
     if (!IsRegistry) return LoadFileRule(*element, rule);
     // A registry rule always loads: one that names no key does nothing when it is cleaned.
     DelKey() = rule.deleteKey;
-    MoveBehind(rule.valueNames, ValueNames());
+    MoveToEnd(rule.valueNames, ValueNames());
     return true;
 }
 
@@ -117,7 +118,7 @@ void CGarbageInfo::LoadChildren(RuleChildren children) {
         for (auto& step : children.steps)
             LoopSteps.push_back(std::move(step.child));
         for (auto& terminal : children.terminals)
-            MoveBehind(terminal.child, TerminalPaths);
+            MoveToEnd(terminal.child, TerminalPaths);
         ExactMatch = children.exactMatch;
     }
     if (!ExcludePath) return;
@@ -284,7 +285,7 @@ void CGarbageInfo::EnumFound(IVisitor* visitor) {
     });
 }
 
-bool CGarbageInfo::Explain(IDetailVisitor* visitor) {
+bool CGarbageInfo::Explain(IExplanationVisitor* visitor) {
     if (!visitor) return false;
     return NoThrow(false, [&] {
         const auto keepAlive = CReference<CGarbageInfo>::Share(this);
@@ -314,36 +315,42 @@ void CGarbageInfo::ExplainScope(CExplanation& out) const {
 
 void CGarbageInfo::ExplainKey(CExplanation& out) const {
     if (!RootKey || Path.empty()) return;
-    out.Scope(ScopeKey, KeyText(RootKey, Path), Filter, If(Iteration, ScopeBelow) | If(DelKey(), ScopeDeletesKey));
+    if (DelKey()) return out.Scope(ScopeKey, KeyText(RootKey, Path), {}, ScopeDeletesKey);
+    out.Scope(ScopeKey, KeyText(RootKey, Path), Iteration ? Filter : CString(), FlagIf(Iteration, ScopeBelow));
     for (const CString& name : ValueNames())
         out.Scope(ScopeValue, name);
 }
 
 void CGarbageInfo::ExplainFolder(CExplanation& out) const {
     if (LoopPath && LoopSteps.empty()) return;  // looks at nothing
-    out.Scope(ScopeFolder, Path, Filter, If(Iteration, ScopeBelow) | If(SelfExclude && !LoopPath, ScopeNotItself));
+    out.Scope(ScopeFolder, Path, Filter,
+              FlagIf(Iteration, ScopeBelow) | FlagIf(SelfExclude && !LoopPath, ScopeNotItself));
     for (const LoopStep& step : LoopSteps)
         out.Scope(ScopeStep, step.path, step.addPath);
     for (const CString& name : TerminalPaths)
-        out.Scope(ScopeEnd, name, {}, If(ExactMatch, ScopeExact));
+        out.Scope(ScopeEnd, name, {}, FlagIf(ExactMatch, ScopeExact));
     for (const CString& token : ExcludeFilters)
         out.Scope(ScopeKeptFiles, token);
     for (const ExcludePathEntry& entry : ExcludePaths)
-        out.Scope(ScopeKeptFolder, entry.path, {}, If(entry.exactMatch, ScopeExact) | If(!entry.iteration, ScopeBelow));
+        out.Scope(ScopeKeptFolder, entry.path, {},
+                  FlagIf(entry.exactMatch, ScopeExact) | FlagIf(!entry.iteration, ScopeBelow));
 }
 
 void CGarbageInfo::ExplainShell(CExplanation& out) {
     if (m_shellItem->IsRecycleBin()) return out.EmptyBin();
-    size_t items = 0;
+    uint64_t all = 0;
+    uint64_t silent = 0;
     {
         const CLockGuard guard(m_lock);
-        for (const CFoundItems::FoundItem& item : m_found)
-            items += !UseShellBrowse || item.Path().empty();
+        for (const CFoundItems::FoundItem& item : m_found) {
+            ++all;
+            if (item.Path().empty()) ++silent;
+        }
     }
     if (!UseShellBrowse)
-        out.Action(ActionLeaveFolder, m_shellItem->GetInfo().szDisplayName, {}, items);
-    else if (items > 0)
-        out.Action(ActionShellItems, Path, {}, items);
+        out.Action(ActionLeaveFolder, m_shellItem->GetInfo().szDisplayName, {}, all);
+    else if (silent > 0)
+        out.Action(ActionShellItems, Path, {}, silent);
 }
 
 RegistryRule CGarbageInfo::WhatToRemove() const {

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -52,7 +53,7 @@ public:
 
     // IGarbageInfo
     void EnumFound(IVisitor* visitor) override;
-    bool Explain(IDetailVisitor* visitor) override;
+    bool Explain(IExplanationVisitor* visitor) override;
 
     // CVolumeProc
     bool LoadXml(const TiXmlElement* element) override;
@@ -101,11 +102,11 @@ private:
     // Counts up with every item that leaves the list: a walk that was interrupted by a notification, from which the
     // host scans or cleans, can tell that its place in the list may be gone.
     uint32_t m_generation = 0;
-    bool m_released = false;
+    std::atomic<bool> m_released = false;  // also read by Explain, from any thread
 
     // The rest of what the rule file says. Two members serve both kinds of rule.
     ContainmentSet ExcludeFilters;
-    ContainmentSet m_secondFilters;  // only ever emptied
+    ContainmentSet m_secondFilters;  // no attribute fills it
     std::list<LoopStep> LoopSteps;
     std::list<CString> TerminalPaths;
     std::list<CString>& ValueNames() noexcept { return TerminalPaths; }

@@ -1,10 +1,6 @@
 #include "rules/registryrule.h"
 
 #include <algorithm>
-#include <cstring>
-#include <iterator>
-
-#include "rules/rootkeyname.h"
 
 namespace {
 
@@ -25,28 +21,28 @@ std::list<CString> ValueNamesOf(const CRegistryKey& key) {
 // All names are known before anything is done, so that deletions do not disturb the enumeration. Without a name, be it
 // that "Value" is missing, empty or only separators, every value is meant, the unnamed one too. Keys are those of the
 // process's own registry view.
-bool WalkValues(const RegistryRule& rule, const CString& keyPath, IRegistryHits& hits) {
+bool WalkValues(const RegistryRule& rule, const CString& keyPath, IRegistryVisitor& visitor) {
     const CRegistryKey key(rule.root, keyPath.c_str(), KEY_ALL_ACCESS);
     if (!key) return true;
     const std::list<CString> names = rule.valueNames.empty() ? ValueNamesOf(key) : rule.valueNames;
     return std::all_of(names.begin(), names.end(),
-                       [&](const CString& name) { return hits.OnValue(rule.root, key, keyPath, name); });
+                       [&](const CString& name) { return visitor.OnValue(rule.root, key, keyPath, name); });
 }
 
 // Sub-keys themselves are never deleted here, so the rising index misses none.
-bool WalkSubKeys(const RegistryRule& rule, IRegistryHits& hits) {
+bool WalkSubKeys(const RegistryRule& rule, IRegistryVisitor& visitor) {
     const CRegistryKey key(rule.root, rule.keyPath.c_str(), KEY_ALL_ACCESS);
     if (!key) return true;
     wchar_t name[kNameLength];
     for (DWORD index = 0; RegEnumKeyW(key.get(), index, name, kNameLength) == ERROR_SUCCESS; ++index) {
         CString subKey = JoinPath(rule.keyPath, name);
         if (!rule.subKeyFilter.empty()) subKey = JoinPath(subKey, rule.subKeyFilter);
-        if (!WalkValues(rule, subKey, hits)) return false;
+        if (!WalkValues(rule, subKey, visitor)) return false;
     }
     return true;
 }
 
-class CRegistryRemover final : public IRegistryHits {
+class CRegistryRemover final : public IRegistryVisitor {
 public:
     bool OnKey(HKEY root, const CString& path) override {
         // Not recursive: a key that has sub-keys stays.
@@ -61,32 +57,13 @@ public:
 
 }  // namespace
 
-HKEY RootKeyByName(const char* name) noexcept {
-    if (!name) return nullptr;
-    for (const RootKeyName& known : kRootKeyNames) {
-        if (std::strcmp(name, known.name) == 0) return known.root;
-    }
-    return nullptr;
-}
-
-bool WalkRegistry(const RegistryRule& rule, IRegistryHits& hits) {
+bool WalkRegistry(const RegistryRule& rule, IRegistryVisitor& visitor) {
     if (!rule.root || rule.keyPath.empty()) return true;
-    if (rule.deleteKey) return hits.OnKey(rule.root, rule.keyPath);
-    return rule.iteration ? WalkSubKeys(rule, hits) : WalkValues(rule, rule.keyPath, hits);
+    if (rule.deleteKey) return visitor.OnKey(rule.root, rule.keyPath);
+    return rule.iteration ? WalkSubKeys(rule, visitor) : WalkValues(rule, rule.keyPath, visitor);
 }
 
 void CleanRegistry(const RegistryRule& rule) {
     CRegistryRemover remover;
     WalkRegistry(rule, remover);
-}
-
-CString KeyText(HKEY root, const CString& path) {
-    const auto known = std::find_if(std::begin(kRootKeyNames), std::end(kRootKeyNames),
-                                    [root](const RootKeyName& name) { return name.root == root; });
-    return known == std::end(kRootKeyNames) ? path : JoinPath(known->shown, path);
-}
-
-bool KeyExists(HKEY root, const CString& path) noexcept {
-    // What may not be opened may still be deleted by who may.
-    return CRegistryKey(root, path.c_str(), KEY_QUERY_VALUE) || GetLastError() == ERROR_ACCESS_DENIED;
 }

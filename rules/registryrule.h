@@ -17,30 +17,21 @@ struct RegistryRule {
     const std::list<CString>& valueNames;  // lower-cased; empty means every value
 };
 
-// The predefined root of "HKLM", "HKCU", "HKCR" or "HKUR" (which is HKEY_USERS), compared as written; null for anything
-// else, a null name included.
-HKEY RootKeyByName(const char* name) noexcept;
-
-// What is done with a hit of a registry rule. False ends the walk.
-class IRegistryHits {
+// What is done with what a registry rule names. False ends the walk.
+class IRegistryVisitor {
 public:
-    // The key of a rule that deletes it, there or not.
+    // The key of a rule that deletes keys, there or not.
     virtual bool OnKey(HKEY root, const CString& path) = 0;
     // A value of an opened key, there or not: the rule file may have named it.
     virtual bool OnValue(HKEY root, const CRegistryKey& key, const CString& keyPath, const CString& name) = 0;
 
 protected:
-    ~IRegistryHits() = default;
+    ~IRegistryVisitor() = default;
 };
 
-// Finds what a clean removes for the rule. A key that is missing or does not admit every access is passed over.
-bool WalkRegistry(const RegistryRule& rule, IRegistryHits& hits);
+// Visits what a clean removes for the rule. Of a key that is missing or does not admit every access no values are
+// visited. False when the visitor ended the walk.
+bool WalkRegistry(const RegistryRule& rule, IRegistryVisitor& visitor);
 
 // Removes what the rule names. Failures are silent and nothing is reported: what is missing or refused stays as it is.
 void CleanRegistry(const RegistryRule& rule);
-
-// A path with its root, as people write it: "HKCU\\Software".
-CString KeyText(HKEY root, const CString& path);
-
-// Is the key there? One that may not be looked into is.
-bool KeyExists(HKEY root, const CString& path) noexcept;

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "rules/registryrule.h"
+#include "rules/rootkeyname.h"
 #include "rules/systemversion.h"
 #include "sysservices/xmlattribute.h"
 

@@ -11,8 +11,8 @@
 
 class TiXmlElement;
 
-// The attributes of a "GarbageInfo" element, read as the engine understands them and nothing resolved yet. A registry
-// rule reads none of the attributes of a file rule, and the other way round.
+// The attributes of a "GarbageInfo" element, read as the engine understands them and nothing resolved yet. "RootKey",
+// "Value", "Filter" and "Iteration" serve both kinds of rule; what else belongs to one kind, the other does not read.
 struct RuleElement {
     explicit RuleElement(const TiXmlElement& element);
 

@@ -19,7 +19,7 @@ class CFileSearch {
 public:
     // Starts the search for `pattern`; test the object for whether anything was found. The thread's last error tells
     // why not.
-    explicit CFileSearch(const wchar_t* pattern);
+    explicit CFileSearch(const wchar_t* pattern) : m_handle(FindFirstFileW(pattern, m_entry.get())) {}
 
     // True while Entry() holds an entry.
     explicit operator bool() const noexcept { return m_handle && m_hasEntry; }
@@ -31,7 +31,7 @@ public:
     const WIN32_FIND_DATAW& Entry() const noexcept { return *m_entry; }
 
 private:
-    std::unique_ptr<WIN32_FIND_DATAW> m_entry;
+    std::unique_ptr<WIN32_FIND_DATAW> m_entry = std::make_unique<WIN32_FIND_DATAW>();
     COwner<FindKind> m_handle;
     bool m_hasEntry = true;
 };

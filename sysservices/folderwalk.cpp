@@ -1,7 +1,5 @@
 #include "sysservices/folderwalk.h"
 
-#include <utility>
-
 namespace {
 
 bool IsSelfOrParent(const wchar_t* name) noexcept {
@@ -15,12 +13,12 @@ bool IsPassedOver(const WIN32_FIND_DATAW& entry, CFolderWalk::Entries entries) n
 
 }  // namespace
 
-const CFoundPath& CFolderWalk::Path() {
+const CFoundPath& CFolderWalk::Path() const {
     if (m_isAtEntry && !std::exchange(m_hasName, true)) m_path.AppendReturned(Entry().cFileName);
     return m_path;
 }
 
-CFileSearch CFolderWalk::Search(std::wstring_view pattern) {
+CFileSearch CFolderWalk::Search(std::wstring_view pattern) const {
     if (!Path().Literal().empty()) {
         CFoundPath path = m_path;
         path.AppendWritten(pattern);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "sysservices/filesearch.h"
@@ -21,15 +23,15 @@ public:
     explicit CFolderWalk(CFoundPath start) : m_path(std::move(start)) {}
 
     // Of the entry at hand, of the folder that has just been left, or where the walk starts.
-    const CFoundPath& Path();
+    const CFoundPath& Path() const;
     const WIN32_FIND_DATAW& Entry() const noexcept { return m_open.back().search.Entry(); }
-    // The entry's name as the end of Path.
-    std::wstring_view Name() { return std::wstring_view(Path().Text()).substr(m_open.back().place.text + 1); }
+    // The name of the entry at hand, as the end of Path; only at an entry.
+    std::wstring_view Name() const { return std::wstring_view(Path().Text()).substr(m_open.back().place.text + 1); }
     // False when Next has left a folder behind its last entry.
     bool IsAtEntry() const noexcept { return m_isAtEntry; }
 
     // A search in the folder that Path names.
-    CFileSearch Search(std::wstring_view pattern);
+    CFileSearch Search(std::wstring_view pattern) const;
     // Goes below Path, to what the search finds there, or to the folders alone; one that found nothing makes an empty
     // folder.
     void Enter(CFileSearch search, Entries entries = Entries::All);
@@ -48,8 +50,9 @@ private:
         bool isBegun = false;
     };
 
-    CFoundPath m_path;
     std::vector<OpenFolder> m_open;
     bool m_isAtEntry = false;
-    bool m_hasName = false;  // the entry's, behind the path of its folder: of most entries nobody asks for the path
+    // Of most entries nobody asks for the path: the name comes behind that of the folder when somebody does.
+    mutable CFoundPath m_path;
+    mutable bool m_hasName = false;
 };

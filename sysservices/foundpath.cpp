@@ -25,5 +25,5 @@ void CFoundPath::AppendReturned(std::wstring_view name) {
 
 void CFoundPath::AppendWritten(std::wstring_view names) {
     m_text.append(1, L'\\').append(names);
-    if (!m_literal.empty()) ::AppendWritten(m_literal, names);
+    if (!m_literal.empty()) AppendToLiteral(m_literal, names);
 }

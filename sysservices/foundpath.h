@@ -23,8 +23,8 @@ public:
     void AppendReturned(std::wstring_view name);
     void AppendWritten(std::wstring_view names);
 
-    // To go back to a folder after the returned names below it. What was written cannot be taken back like that: its
-    // ".." takes away from the path.
+    // To go back to a folder after what was appended below it. Once there is a literal form, only returned names can be
+    // taken back like that: a ".." that was written took away from it.
     struct Place {
         size_t text;
         size_t literal;

@@ -63,7 +63,7 @@ CString LiteralPath(const CString& path) {
     return full.starts_with(L"\\\\") ? CString(kLiteralShare) + full.substr(2) : CString(kLiteral) + full;
 }
 
-void AppendWritten(CString& literal, std::wstring_view written) {
+void AppendToLiteral(CString& literal, std::wstring_view written) {
     while (literal.ends_with(L'\\'))
         literal.pop_back();
     CString names;

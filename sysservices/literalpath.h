@@ -16,4 +16,4 @@ CString LiteralPath(const CString& path);
 
 // Appends what somebody wrote, folders, a file or a pattern, to the literal path of a folder, read as Windows would
 // read it there. ".." climbs no higher than the drive or share. Throws as FullPath.
-void AppendWritten(CString& literal, std::wstring_view written);
+void AppendToLiteral(CString& literal, std::wstring_view written);

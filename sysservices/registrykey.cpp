@@ -16,6 +16,10 @@ HKEY Open(HKEY root, const wchar_t* path, REGSAM access) noexcept {
 
 CRegistryKey::CRegistryKey(HKEY root, const wchar_t* path, REGSAM access) noexcept : COwner(Open(root, path, access)) {}
 
+bool CRegistryKey::Exists(HKEY root, const wchar_t* path) noexcept {
+    return CRegistryKey(root, path, KEY_QUERY_VALUE) || GetLastError() == ERROR_ACCESS_DENIED;
+}
+
 bool CRegistryKey::HasValue(const wchar_t* name) const noexcept {
     return RegQueryValueExW(get(), name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
 }

@@ -100,7 +100,7 @@ void PrintTree(IDregsweep& engine) {
 }
 
 // What a clean would do beside deleting what was found.
-class CActionPrinter final : public IGarbageInfo::IDetailVisitor {
+class CActionPrinter final : public IGarbageInfo::IExplanationVisitor {
 public:
     bool OnScope(const GarbageScope*) override { return true; }
     bool OnAction(const GarbageAction* action) override {

@@ -17,7 +17,7 @@
 #include "tests/dregsweep/engine.h"
 #include "tests/support/folderlink.h"
 #include "tests/support/iatpatch.h"
-#include "tests/support/recordingdetails.h"
+#include "tests/support/recordingexplanation.h"
 #include "tests/support/tempfolder.h"
 
 namespace {
@@ -77,7 +77,7 @@ public:
         ASSERT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
         for (const bool clean : {false, true, false}) {
             RecordingHost host(m_folder.path());
-            RecordingDetails shown;
+            RecordingExplanation shown;
             ExplainSelected(*engine, shown);
             const Model::Registry before = m_model.registry;
             EXPECT_TRUE(clean ? engine->Clean(&host) : engine->Gather(&host));
@@ -268,7 +268,7 @@ private:
         }
     }
     template <class Node>
-    static void ExplainSelected(Node& node, RecordingDetails& details) {
+    static void ExplainSelected(Node& node, RecordingExplanation& details) {
         if constexpr (requires { node.Explain(nullptr); }) {
             if (node.GetState() != SelectionNone) node.Explain(&details);
             for (std::wstring& line : details.lines)

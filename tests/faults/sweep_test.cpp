@@ -60,7 +60,7 @@ struct Job {
     virtual bool MayLeak() const { return false; }
 };
 
-struct PassingDetails final : IGarbageInfo::IDetailVisitor {
+struct PassingExplanation final : IGarbageInfo::IExplanationVisitor {
     bool OnScope(const GarbageScope*) override { return true; }
     bool OnAction(const GarbageAction*) override { return true; }
 };
@@ -135,7 +135,7 @@ public:
         m_code = m_engine->Init(m_rules.c_str(), m_texts.c_str(), nullptr);
         m_gathered = m_engine->Gather(&m_tally);
         NoThrow(true, [this] {
-            PassingDetails details;
+            PassingExplanation details;
             ForEachRule(*m_engine, [&](IGarbageInfo& rule) { rule.Explain(&details); });
             return true;
         });

@@ -1,6 +1,6 @@
 #include "tests/rules/recordingrule.h"
 #include "tests/support/fakeshell.h"
-#include "tests/support/recordingdetails.h"
+#include "tests/support/recordingexplanation.h"
 
 namespace {
 
@@ -10,7 +10,7 @@ using testing::ElementsAreArray;
 class Explanation : public RuleTest {
 protected:
     static std::vector<std::wstring> Explained(CGarbageInfo& rule) {
-        RecordingDetails details;
+        RecordingExplanation details;
         EXPECT_TRUE(rule.Explain(&details));
         return details.lines;
     }
@@ -49,7 +49,7 @@ TEST_F(Explanation, TellsWhatARuleLooksAt) {
         {"Registry='1' RootKey='HKUR' KeyPath='K' Filter='f' Iteration='1' Value='A|b'",
          "",
          {L"scope 5 1 HKU\\K|f", L"scope 6 0 a|", L"scope 6 0 b|"}},
-        {"Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1'", "", {L"scope 5 8 HKLM\\none|"}},
+        {"Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1' Iteration='1' Filter='f' Value='v'", "", {L"scope 5 8 HKLM\\none|"}},
         {"Registry='1' KeyPath='K'", "", {}},
     };
     for (const auto& test : cases) {
@@ -79,7 +79,7 @@ TEST_F(Explanation, EndsWithItsVisitorAndItsRule) {
     RecordingRule rule;
     EXPECT_TRUE(rule.Load(m_loop + "EmptyProc='NT_ClearHistory'", "<LoopPath Path='a'/><LoopPath Path='b'/>"));
     for (size_t stopAt = 1; stopAt <= 5; ++stopAt) {
-        RecordingDetails details;
+        RecordingExplanation details;
         details.stopAt = stopAt;
         EXPECT_EQ(rule.Explain(&details), stopAt == 5);
         EXPECT_EQ(details.lines.size(), std::min<size_t>(stopAt, 4));

@@ -1,8 +1,10 @@
 #include "rules/registryrule.h"
 
+#include "rules/rootkeyname.h"
+
 #include "sysservices/registrykey.h"
 #include "tests/rules/recordingrule.h"
-#include "tests/support/recordingdetails.h"
+#include "tests/support/recordingexplanation.h"
 
 namespace {
 
@@ -36,7 +38,7 @@ protected:
         EXPECT_TRUE(
             rule.Load("Registry='1' RootKey='" + root + "' KeyPath='" + WideToUtf8(kKey) + subKey + "' " + attributes));
         const CString before = Content();
-        RecordingDetails shown, after;
+        RecordingExplanation shown, after;
         EXPECT_TRUE(rule.Gather() && rule.Explain(&shown));
         EXPECT_EQ(Content(), before);
         EXPECT_TRUE(rule.Clean(1, 2, 3) && rule.found.empty() && rule.emptied.empty());

@@ -7,7 +7,7 @@
 
 // Notes what a rule tells of itself: "scope KIND FLAGS text|pattern", "action KIND target|name" and, where it has any,
 // " ITEMS".
-struct RecordingDetails final : IGarbageInfo::IDetailVisitor {
+struct RecordingExplanation final : IGarbageInfo::IExplanationVisitor {
     bool OnScope(const GarbageScope* scope) override {
         return Note(L"scope " + std::to_wstring(scope->Kind) + L" " + std::to_wstring(scope->Flags) + L" " + scope->Text
                     + L"|" + scope->Pattern);
