@@ -56,12 +56,38 @@ void CheckExclusionFlag(const CheckedRule& rule, CFindings& findings) {
     }
 }
 
+// Why no folder can match, or null.
+const wchar_t* WhyKeepsNothing(const ExcludePathEntry& exclusion) {
+    const std::wstring_view path = exclusion.path;
+    if (path.find_first_of(L"*?\"<>|") != path.npos) return L"has a wildcard: give the folder's name as it is";
+    if (path.find(L'/') != path.npos) return L"has a \"/\": separate folders by \"\\\"";
+    if (path.ends_with(L'\\')) return L"ends with a separator: leave it out";
+    // A part of one folder's name.
+    if (!exclusion.exactMatch) return path.find(L'\\') == path.npos ? nullptr : L"has a \"\\\": use ExactMatch";
+    if (path.ends_with(L' ')) return L"ends with a blank: leave it out";
+    const std::wstring below = std::wstring(path) + L'\\';
+    if (below.find(L"\\\\", 1) != path.npos || below.find(L".\\") != path.npos)
+        return L"is compared letter by letter: write it without \".\" and doubled separators";
+    return nullptr;
+}
+
+// The end of a folder's path is compared as the scan puts it together, with the location as it is written.
+bool IsOddlyWritten(std::wstring_view location) {
+    const std::wstring path = std::wstring(location) + L'\\';
+    return path.find(L'/') != path.npos || path.find(L"\\\\", 1) != path.npos || path.find(L".\\") != path.npos
+           || path.find(L" \\") != path.npos;
+}
+
 void CheckExclusions(const CheckedRule& rule, CFindings& findings) {
     for (const auto& [exclusion, element] : rule.children.exclusions) {
         const std::wstring& path = exclusion.path;
-        if (!exclusion.exactMatch && path.find_first_of(L"\\/") != std::wstring::npos) {
-            findings.Add(FindingCodes::kNoEffect, *element,
-                         L"without ExactMatch this is compared with the name of one folder, which has no such letter");
+        if (path.empty()) continue;  // which the schema tells
+        if (const wchar_t* const why = WhyKeepsNothing(exclusion)) {
+            findings.Add(FindingCodes::kImpossibleExclusion, *element, L"this keeps nothing: it " + std::wstring(why));
+        } else if (exclusion.exactMatch && path.find(L'\\', 1) != std::wstring::npos && IsOddlyWritten(rule.path)) {
+            findings.Add(FindingCodes::kImpossibleExclusion, *element,
+                         L"this may keep nothing: it is compared with the rule's Path as that is written; write \""
+                             + rule.path + L"\" without \"/\", \".\" and separators at its end");
         } else if (exclusion.exactMatch && !path.starts_with(L'\\')) {
             findings.Add(FindingCodes::kLooseExclusion, *element,
                          L"this also matches the end of a longer name: begin it with \"\\\"");

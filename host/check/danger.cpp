@@ -1,6 +1,8 @@
 #include "host/check/rulechecks.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string_view>
 
 #include "sysservices/text.h"
 
@@ -13,11 +15,6 @@ bool GoesEverywhere(const CheckedRule& rule) {
     return rule.ReadsChildren() && !steps.empty() && std::all_of(steps.begin(), steps.end(), [](const auto& step) {
                return CheckedRule::MatchesAll(step.child.path) && NormalPath(step.child.addPath).empty();
            });
-}
-
-void CheckRegistryValues(const CheckedRule& rule, CFindings& findings) {
-    if (!rule.Has("Value") || !rule.valueNames.empty()) return;
-    findings.Add(FindingCodes::kAllValues, rule.PlaceOf("Value"), L"Value names nothing, so all values are deleted");
 }
 
 void CheckRelative(const CheckedRule& rule, CFindings& findings) {
@@ -57,13 +54,36 @@ void CheckWholeFolder(const CheckedRule& rule, CFindings& findings) {
     }
 }
 
+// Only what is named "*.tmp" and the like is junk wherever it lies.
+constexpr std::wstring_view kJunkEndings[] = {L"tmp", L"temp", L"bak", L"old", L"log", L"dmp", L"mdmp", L"chk", L"gid"};
+constexpr std::wstring_view kProgramEndings[] = {L"exe", L"dll", L"sys", L"drv", L"ocx",
+                                                 L"cpl", L"msi", L"mui", L"scr"};
+
+template <size_t N>
+bool HasEnding(std::wstring_view pattern, const std::wstring_view (&endings)[N]) {
+    const std::wstring ending = ToLower(pattern.substr(pattern.rfind(L'.') + 1));
+    return std::find(std::begin(endings), std::end(endings), ending) != std::end(endings);
+}
+
+void CheckPattern(const CheckedRule& rule, CFindings& findings) {
+    if (rule.useShellBrowse || rule.MatchesAllNames() || !GoesEverywhere(rule)) return;
+    if (HasEnding(rule.filter, kProgramEndings) && IsFolderOfPrograms(rule.location)) {
+        findings.Add(FindingCodes::kProgramFiles, rule.PlaceOf("Filter"),
+                     L"these are programs and libraries of " + Spelled(rule) + L": what they belong to will not run");
+    } else if (IsPersonalFolder(rule.location) && !HasEnding(rule.filter, kJunkEndings)
+               && !rule.filter.starts_with(L'~')) {
+        findings.Add(FindingCodes::kPersonalFiles, rule.PlaceOf("Filter"),
+                     L"these are a person's own files in " + Spelled(rule) + L": name a folder of a program");
+    }
+}
+
 }  // namespace
 
 void CheckDanger(const CheckedRule& rule, CFindings& findings) {
-    if (rule.isRegistry) return CheckRegistryValues(rule, findings);
-    if (rule.IsVirtual()) return;
+    if (rule.isRegistry || rule.IsVirtual()) return;
     CheckRelative(rule, findings);
     if (!rule.hasLocation || !(rule.isFolder || rule.useShellBrowse)) return;
     CheckDriveRoot(rule, findings);
     CheckWholeFolder(rule, findings);
+    CheckPattern(rule, findings);
 }

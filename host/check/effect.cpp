@@ -57,7 +57,8 @@ void CheckVirtualFolder(const CheckedRule& rule, CFindings& findings) {
 
 void CheckSingleFile(const CheckedRule& rule, CFindings& findings) {
     ReportIgnored(rule, kOfFolders, L"without IsFolder", findings);
-    if (rule.path.find_first_of(L"*?") != std::wstring::npos) {
+    const size_t begin = rule.path.starts_with(L"\\\\?\\") ? 4 : 0;
+    if (rule.path.find_first_of(L"*?", begin) != std::wstring::npos) {
         findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("Path"),
                      L"a single file with wildcards is never deleted: use IsFolder and Filter");
     } else if (rule.HasBase() && rule.path.empty() && !rule.getByReg) {
@@ -70,6 +71,9 @@ void CheckFolderRule(const CheckedRule& rule, CFindings& findings) {
     if (rule.filter.empty() || rule.filter.find_first_of(L"<>\":|\\/") != std::wstring::npos) {
         findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("Filter"),
                      L"no name matches the Filter \"" + rule.filter + L"\", which takes one pattern");
+    } else if (rule.filter.find(L';') != std::wstring::npos) {
+        findings.Add(FindingCodes::kDoesNothing, rule.PlaceOf("Filter"),
+                     L"\"" + rule.filter + L"\" is one pattern with a \";\" in it: write a rule for each pattern");
     }
     if (rule.loopPath) {
         ReportIgnored(rule, {"SelfExclude"}, L"on the folders of a loop", findings);

@@ -47,6 +47,10 @@ inline constexpr FindingCode kDriveRoot{L"drive-root", Severity::Error};
 inline constexpr FindingCode kWholeFolder{L"whole-folder", Severity::Error};
 inline constexpr FindingCode kRelativeLocation{L"relative-location", Severity::Error};
 inline constexpr FindingCode kProgramFolder{L"program-folder", Severity::Warning};
+inline constexpr FindingCode kProgramFiles{L"program-files", Severity::Warning};
+inline constexpr FindingCode kPersonalFiles{L"personal-files", Severity::Warning};
+inline constexpr FindingCode kSystemKey{L"system-key", Severity::Error};
+inline constexpr FindingCode kSystemValue{L"system-value", Severity::Warning};
 inline constexpr FindingCode kAllValues{L"all-values", Severity::Warning};
 
 // Rules, and parts of rules, that do nothing
@@ -56,6 +60,8 @@ inline constexpr FindingCode kExcludeWithoutChild{L"exclude-without-child", Seve
 inline constexpr FindingCode kUnresolvableLocation{L"unresolvable-location", Severity::Warning};
 inline constexpr FindingCode kUnreachableToken{L"unreachable-token", Severity::Warning};
 inline constexpr FindingCode kImpossibleToken{L"impossible-token", Severity::Warning};
+inline constexpr FindingCode kImpossibleExclusion{L"impossible-exclusion", Severity::Warning};
+inline constexpr FindingCode kImpossibleKey{L"impossible-key", Severity::Warning};
 inline constexpr FindingCode kDroppedToken{L"dropped-token", Severity::Warning};
 inline constexpr FindingCode kDoesNothing{L"does-nothing", Severity::Warning};
 inline constexpr FindingCode kNoEffect{L"no-effect", Severity::Warning};

@@ -87,12 +87,24 @@ constexpr const wchar_t* kJunkFolders[] = {L"temp", L"burn", L"history", L"inetc
 // Precious, and no base folders.
 constexpr const wchar_t* kPreciousFolders[] = {
     L"\\users",
+    L"\\users\\me\\.gnupg",
+    L"\\users\\me\\.ssh",
     L"\\users\\me\\appdata",
+    L"\\users\\me\\appdata\\local\\google\\chrome\\user data",
+    L"\\users\\me\\appdata\\local\\google\\chrome\\user data\\default",
     L"\\users\\me\\appdata\\local\\microsoft",
+    L"\\users\\me\\appdata\\local\\microsoft\\edge\\user data",
+    L"\\users\\me\\appdata\\local\\microsoft\\edge\\user data\\default",
+    L"\\users\\me\\appdata\\local\\microsoft\\outlook",
+    L"\\users\\me\\appdata\\local\\microsoft\\windows mail",
     L"\\users\\me\\appdata\\local\\packages",
     L"\\users\\me\\appdata\\local\\programs",
     L"\\users\\me\\appdata\\locallow",
     L"\\users\\me\\appdata\\roaming\\microsoft",
+    L"\\users\\me\\appdata\\roaming\\mozilla\\firefox",
+    L"\\users\\me\\appdata\\roaming\\mozilla\\firefox\\profiles",
+    L"\\users\\me\\appdata\\roaming\\thunderbird",
+    L"\\users\\me\\appdata\\roaming\\thunderbird\\profiles",
     L"\\users\\me\\contacts",
     L"\\users\\me\\saved games",
     L"\\programdata\\microsoft",
@@ -107,6 +119,28 @@ constexpr const wchar_t* kPreciousFolders[] = {
     L"\\windows\\system32\\drivers",
     L"\\windows\\system32\\driverstore",
     L"\\windows\\winsxs",
+};
+
+// With all that is below them.
+constexpr const wchar_t* kPersonalFolders[] = {
+    L"\\users\\me\\.gnupg",
+    L"\\users\\me\\.ssh",
+    L"\\users\\me\\contacts",
+    L"\\users\\me\\desktop",
+    L"\\users\\me\\documents",
+    L"\\users\\me\\favorites",
+    L"\\users\\me\\music",
+    L"\\users\\me\\onedrive",
+    L"\\users\\me\\pictures",
+    L"\\users\\me\\videos",
+    L"\\users\\public\\desktop",
+    L"\\users\\public\\documents",
+    L"\\users\\public\\music",
+    L"\\users\\public\\pictures",
+    L"\\users\\public\\videos",
+    L"\\users\\me\\appdata\\local\\microsoft\\outlook",
+    L"\\users\\me\\appdata\\local\\microsoft\\windows mail",
+    L"\\users\\me\\appdata\\roaming\\thunderbird",
 };
 
 constexpr const wchar_t* kProgramFolders[] = {L"\\program files\\common files\\",
@@ -180,6 +214,18 @@ bool IsPreciousFolder(std::wstring_view normalPath) {
     if (std::any_of(std::begin(kJunkFolders), std::end(kJunkFolders), isLast)) return false;
     return std::any_of(std::begin(kFolders), std::end(kFolders),
                        [&](const KnownFolder& folder) { return isAt(folder.path); });
+}
+
+bool IsPersonalFolder(std::wstring_view normalPath) {
+    if (normalPath == L"\\users" || normalPath == L"\\users\\me" || normalPath == L"\\users\\public") return true;
+    return std::any_of(std::begin(kPersonalFolders), std::end(kPersonalFolders), [&](std::wstring_view folder) {
+        return normalPath == folder || (normalPath.starts_with(folder) && normalPath[folder.size()] == L'\\');
+    });
+}
+
+bool IsFolderOfPrograms(std::wstring_view normalPath) {
+    return normalPath == L"\\windows" || (normalPath.starts_with(L"\\windows\\") && LastName(normalPath) != L"temp")
+           || normalPath == L"\\program files" || normalPath == L"\\program files (x86)" || IsProgramFolder(normalPath);
 }
 
 bool IsProgramFolder(std::wstring_view normalPath) {

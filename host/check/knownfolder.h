@@ -26,5 +26,10 @@ bool IsAbsolutePath(std::wstring_view path) noexcept;
 
 // Holds more than junk: nobody means to empty the whole of it.
 bool IsPreciousFolder(std::wstring_view normalPath);
+// What people make and collect, which no pattern tells from junk: their documents, pictures, mail, keys and the like,
+// or a profile as a whole.
+bool IsPersonalFolder(std::wstring_view normalPath);
+// Windows, or the folder of an installed program, or one above.
+bool IsFolderOfPrograms(std::wstring_view normalPath);
 // Lies in a folder of installed programs, and nothing in its name says that it is for what they leave behind.
 bool IsProgramFolder(std::wstring_view normalPath);

@@ -88,6 +88,7 @@ public:
 private:
     void CheckRule(const CheckedRule& rule, bool isForXp) {
         CheckDanger(rule, m_findings);
+        CheckRegistry(rule, m_findings);
         CheckLocation(rule, m_findings);
         CheckEffect(rule, m_findings);
         CheckChildren(rule, m_findings);

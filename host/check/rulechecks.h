@@ -10,6 +10,8 @@
 
 // Rules that would delete what nobody means to delete.
 void CheckDanger(const CheckedRule& rule, CFindings& findings);
+// The key and the values of a registry rule: that they can be there, and that no system needs them.
+void CheckRegistry(const CheckedRule& rule, CFindings& findings);
 // Can the location of a file rule be resolved, on any Windows? Decided without a look at this machine.
 void CheckLocation(const CheckedRule& rule, CFindings& findings);
 // Attributes that a rule of this kind does not read, and rules that find nothing.

@@ -12,6 +12,7 @@ struct CheckOptions {
     std::vector<std::string> rules;
     std::string text;
     bool json = false;
+    bool strict = false;
 };
 
 void PrintText(COutput& out, const std::vector<Finding>& findings) {
@@ -30,7 +31,9 @@ ExitStatus RunCheck(const CheckOptions& options, CConsole& console) {
         rules.push_back(Utf8ToWide(path));
     const auto findings = CheckPack(rules, Utf8ToWide(options.text));
     options.json ? PrintJson(console.out, findings) : PrintText(console.out, findings);
-    return CountFindings(findings, Severity::Error) > 0 ? ExitStatus::Failed : ExitStatus::Done;
+    const size_t counted =
+        CountFindings(findings, Severity::Error) + (options.strict ? CountFindings(findings, Severity::Warning) : 0);
+    return counted > 0 ? ExitStatus::Failed : ExitStatus::Done;
 }
 
 }  // namespace
@@ -40,10 +43,11 @@ void AddCheckCommand(CLI::App& app, CommandAction& action) {
     const auto options = std::make_shared<CheckOptions>();
     command->add_option("RULES", options->rules, "The rule files (XML) of one pack")->type_name("FILE")->required();
     command->add_option("--text", options->text, "The file with their localised names (XML)")->type_name("FILE");
+    command->add_flag("--strict", options->strict, "Fail on warnings as well");
     command->add_flag("--json", options->json, "Write one JSON document");
     command->footer(
         "Each line: FILE:LINE: SEVERITY: MESSAGE [CODE]; docs/rules.md explains the codes.\n"
-        "Exit status: 0 no errors (perhaps warnings and notes), 1 errors, 2 wrong usage.\n"
+        "Exit status: 0 no errors (perhaps warnings and notes), 1 errors, or warnings with --strict, 2 wrong usage.\n"
         "Examples:\n"
         "  dsw check rules.xml --text ResIDText.xml\n"
         "  dsw check rules.xml SysUpgradeConfig.xml --text ResIDText.xml --json");

@@ -32,6 +32,7 @@ std::string CheckRule(const std::string& rule) {
 
 // What is found in rules, and the rules.
 const std::string kTool = "IsFolder='1' FolderEnvDir='LOCALAPPDATA' Path='Tool' ";
+const std::string kExcluding = kTool + "Iteration='1' ExcludePath='1'><ExcludePath ";
 const std::pair<const char*, std::vector<std::string>> kRuleRows[] = {
     // The harmless neighbours of what follows.
     {"",
@@ -63,11 +64,36 @@ const std::pair<const char*, std::vector<std::string>> kRuleRows[] = {
     {"2E ignored-children",
      {kTool + "Iteration='1'><ExcludePath Path='keep'/>",
       "Path='C:\\D' IsFolder='1' Iteration='1' ExcludePath='1'><ExcludePath Path='x'/>"}},
-    {"2W no-effect, 2N loose-exclusion",
+    {"2W impossible-exclusion, 2N loose-exclusion",
      {kTool + "Iteration='1' ExcludePath='1'><ExcludePath Path='a\\b'/><ExcludePath Path='a' ExactMatch='1'/>"}},
+    {"2W impossible-exclusion",
+     {kExcluding + "Path='*keep*'/>", kExcluding + "Path='\\a\\' ExactMatch='1'/>",
+      kExcluding + "Path='\\a ' ExactMatch='1'/>", kExcluding + "Path='/a/b' ExactMatch='1'/>",
+      kExcluding + "Path='\\a\\.\\b' ExactMatch='1'/>",
+      "IsFolder='1' Iteration='1' ExcludePath='1' FolderEnvDir='TEMP' Path='T/'><ExcludePath Path='\\T\\a' "
+      "ExactMatch='1'/>"}},
+    {"",
+     {kExcluding + "Path='v1. '/>", kExcluding + "Path='\\T\\a' ExactMatch='1'/>", "Path='\\\\?\\C:\\T\\x'",
+      "FolderIndex='5' IsFolder='1' Filter='*.tmp'", "Registry='1' RootKey='HKUR' KeyPath='S-1-5-18\\Software\\Tool'"}},
+    {"2W program-files", {"FolderEnvDir='windir' IsFolder='1' Iteration='1' Filter='*.dll'"}},
+    {"2W personal-files",
+     {"FolderIndex='5' IsFolder='1' Filter='*.doc'",
+      "FolderEnvDir='USERPROFILE' IsFolder='1' Iteration='1' Filter='*.jpg'"}},
+    {"2E system-key",
+     {"Registry='1' RootKey='HKLM' KeyPath='SYSTEM\\ControlSet001\\Services\\x' DelKey='1'",
+      "Registry='1' RootKey='HKLM' KeyPath='SYSTEM\\CurrentControlSet' Iteration='1'",
+      "Registry='1' RootKey='HKUR' KeyPath='S-1-5-18\\Software\\Microsoft\\Windows\\CurrentVersion\\Run'",
+      "Registry='1' RootKey='HKLM' KeyPath='Software\\Wow6432Node\\Microsoft' Iteration='1'"}},
+    {"2W system-value", {"Registry='1' RootKey='HKLM' KeyPath='SYSTEM\\CurrentControlSet\\Services\\x' Value='y'"}},
+    {"2W impossible-key",
+     {"Registry='1' RootKey='HKCU' KeyPath='\\Software\\Tool'", "Registry='1' RootKey='HKCU' KeyPath='HKCU\\Tool\\a'",
+      "Registry='1' RootKey='HKCU' KeyPath='Software/Tool'",
+      "Registry='1' RootKey='HKCU' KeyPath='Software\\*\\Tool'"}},
     {"2W unresolvable-location", {"FolderEnvDir='LOCALAPDATA' Path='x'", "FolderIndex='99' Path='x'", ""}},
     {"3W unresolvable-location", {"FolderEnvDir='APPDATA'\nPath='%X%\\y'"}},
-    {"2W does-nothing", {"Path=''", kTool + "Filter='*.a|*.b'", kTool + "SelfExclude='1'"}},
+    {"2W does-nothing",
+     {"Registry='1' RootKey='HKCU' KeyPath='x' Value='a*'", "Path=''", kTool + "Filter='*.a;*.b'",
+      kTool + "Filter='*.a|*.b'", kTool + "SelfExclude='1'"}},
     {"2W no-effect, 2W does-nothing",
      {"FolderEnvDir='APPDATA' Path='x\\*.log' Filter='*'", "FolderIndex='4' Path='x'"}},
     {"2W no-effect",
