@@ -5,8 +5,8 @@
 namespace {
 
 // Control characters, and those that change the direction of the text behind them.
-constexpr CharacterRange kUnsafe[] = {
-    {0x0000, 0x001F}, {0x007F, 0x009F}, {0x200E, 0x200F}, {0x202A, 0x202E}, {0x2066, 0x2069}};
+constexpr CharacterRange kUnsafe[] = {{0x0000, 0x001F}, {0x007F, 0x009F}, {0x061C, 0x061C},
+                                      {0x200E, 0x200F}, {0x202A, 0x202E}, {0x2066, 0x2069}};
 
 std::wstring Escape(wchar_t c) {
     constexpr const wchar_t* kDigits = L"0123456789ABCDEF";

@@ -48,6 +48,8 @@ ExitStatus ShowParserText(const CLI::App& app, const CLI::ParseError& error, CCo
 
 ExitStatus Run(int count, wchar_t** arguments, CConsole& console) {
     CLI::App app("Finds and deletes the junk that a rule file describes.", "dsw");
+    // "/yes" is a path, or a slip of the pen.
+    app.allow_windows_style_options(false);
     app.set_version_flag("--version", "dsw " DSW_VERSION);
     AddHelp(app,
             "dsw COMMAND --help tells the options of a command.\n\n"
