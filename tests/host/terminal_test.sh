@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # terminal_test.sh DSW: runs dsw.exe on a pseudo-terminal. Progress is shown there and never falls; Ctrl-C at the
-# question ends it as stopped by the user, with nothing deleted, and so does a second one in a scan without end.
+# question ends it as stopped by the user, with nothing deleted, and so does a second one in a scan without end. A typed
+# "y" deletes.
 set -euo pipefail
 
 dsw=$1
@@ -25,12 +26,12 @@ mkdir "$junk/loop"
 ln -s . "$junk/loop/a"
 ln -s . "$junk/loop/b"
 
-# ends_by_keys SHOWN KEYS ARGUMENT...: dsw ends as stopped by the user who presses KEYS when SHOWN is on the screen.
+# ends_by_keys STATUS SHOWN KEYS ARGUMENT...: dsw ends with that status when KEYS are pressed as SHOWN is on the screen.
 ends_by_keys() {
-    local shown=$1 keys=$2 key terminal status=0
+    local shown=$2 keys=$3 key terminal status=0
     rm -f "$work"/*
     mkfifo "$work/keys"
-    script -qefc "wine '$dsw' ${*:3} --rules '$DSW_TEST\\rules.xml'" "$work/screen" <"$work/keys" >/dev/null &
+    script -qefc "wine '$dsw' ${*:4} --rules '$DSW_TEST\\rules.xml'" "$work/screen" <"$work/keys" >/dev/null &
     terminal=$!
     exec 3>"$work/keys"
     until grep -q "$shown" "$work/screen" 2>/dev/null; do
@@ -43,16 +44,21 @@ ends_by_keys() {
     done
     wait "$terminal" || status=$?
     cat -v "$work/screen"
-    [ "$status" = 3 ] || { echo "status $status"; exit 1; }
+    [ "$status" = "$1" ] || { echo "status $status"; exit 1; }
 }
 
-ends_by_keys y/N '\003' clean
+ends_by_keys 3 y/N '\003' clean
 percents=$(grep -aoE '[0-9]+%' "$work/screen" | tr -d %)
 echo "progress" $percents
 [ -f "$junk/file" ]
+for text in ' One' 'App: ' '1 item, 5 bytes  App' '\[###*\.\.*\]'; do grep -aq "$text" "$work/screen"; done
 grep -a 'dsw: nothing was deleted' "$work/screen" | grep -qv y/N
 sort -nc <<<"$percents"
 [ "$(sort -u <<<"$percents" | wc -l)" -ge 3 ]
 
-ends_by_keys '0%' '\003 \003' gather --only '*/Endless'
+ends_by_keys 3 '0%' '\003 \003' gather --only '*/Endless'
 ! grep -a 'dsw: stopped' "$work/screen"
+
+ends_by_keys 0 y/N 'y\r' clean --items
+[ ! -f "$junk/file" ] && [ -f "$junk/rules.xml" ]
+! grep -a 'dsw: nothing was deleted' "$work/screen"
