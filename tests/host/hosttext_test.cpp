@@ -4,10 +4,8 @@
 #include "host/common/printable.h"
 #include "host/common/sizetext.h"
 #include "host/common/texts.h"
-#include "host/common/updatemessage.h"
 #include "host/console/columns.h"
 #include "host/console/progressline.h"
-#include "update/iinternetfileproc.h"
 
 TEST(HostText, SizesAreReadableAndExact) {
     EXPECT_EQ(FullSize(1), L"1 byte");
@@ -23,8 +21,6 @@ TEST(HostText, PlaceholdersTakeTheirValuesInTheFirstLanguageToo) {
     EXPECT_EQ(Text(IDS_USAGE, {L"100%2 \n", L"%1"}), L"100%2 \n (%1 --help tells the usage)");
     EXPECT_EQ(Text(IDS_USAGE), L" ( --help tells the usage)");
     EXPECT_EQ(Text(IDS_TOTAL), L"Total");
-    EXPECT_THAT(UpdateMessage(InternetFileResult::kListRenameFailed),
-                testing::EndsWith(L"end in _bak (code 0x01B30001)"));
 }
 
 TEST(HostText, ColumnsFollowTheWidthOfLetters) {
