@@ -9,22 +9,25 @@
 
 using Engine = CReference<CDregsweep>;
 
-inline Engine NewEngine() {
-    return Engine(new CDregsweep(/*upgradeMode=*/false));
+inline Engine NewEngine(bool upgradeMode = false) {
+    return Engine(new CDregsweep(upgradeMode));
 }
 
-// An engine that is ready for the job.
+// Engines that are ready: for the job, or for these categories.
 inline Engine NewEngine(const SmallJob& job) {
     Engine engine = NewEngine();
     EXPECT_EQ(engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr), 0u);
     return engine;
 }
+inline Engine NewEngine(const TempFolder& folder, const std::string& categories, bool upgradeMode = false) {
+    Engine engine = NewEngine(upgradeMode);
+    const std::wstring rules = folder.Write(L"categories.xml", "<R>" + categories + "</R>");
+    EXPECT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
+    return engine;
+}
 
-// The recorded trace lines, the number at the end of each replaced by "#".
-inline Lines TakeTraces() {
-    Lines lines = TakeTraceLines();
-    for (std::wstring& line : lines) {
-        if (iswdigit(line.back())) line.replace(line.find_last_not_of(L"0123456789") + 1, line.npos, L"#");
-    }
-    return lines;
+// A selected category with one garbage category "G" that holds these rules.
+inline std::string CategoryOf(const std::string& rules) {
+    return "<AppCategoryInfo Name='C' SelState='2'><AppInfo Name='A'><GarbageCatagory Name='G'>" + rules
+           + "</GarbageCatagory></AppInfo></AppCategoryInfo>";
 }

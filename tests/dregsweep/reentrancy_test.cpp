@@ -92,22 +92,15 @@ INSTANTIATE_TEST_SUITE_P(Acts, HostThat, testing::ValuesIn(kActs));
 // next rule.
 TEST(NestedRun, EndsTheScanInHandAndLeavesTheRestToTheOuterRun) {
     const SmallJob job;
-    const std::wstring rules =
-        job.folder.Write(L"two.xml",
-                         "<R><AppCategoryInfo Name='A' SelState='2'><AppInfo Name='a'><GarbageCatagory Name='G'>"
-                         "<GarbageInfo FolderEnvDir='DSW_JOB' Path='a' IsFolder='1'/>"
-                         "<GarbageInfo FolderEnvDir='DSW_JOB' Path='b\\3.log'/></GarbageCatagory></AppInfo>"
-                         "</AppCategoryInfo></R>");
-    const Engine engine = NewEngine();
-    EXPECT_EQ(engine->Init(rules.c_str(), L"", nullptr), 0u);
+    const Engine engine = NewEngine(job.folder, CategoryOf("<GarbageInfo FolderEnvDir='DSW_JOB' Path='a' IsFolder='1'/>"
+                                                           "<GarbageInfo FolderEnvDir='DSW_JOB' Path='b\\3.log'/>"));
     const auto isFound = [](const std::wstring& line) { return line[0] == L'f'; };
     RecordingHost inner({}, [&](size_t i) { return !isFound(inner.lines[i]); });
     RecordingHost outer(job.folder.path(), [&](size_t i) {
         return !isFound(outer.lines[i]) || !inner.lines.empty() || !engine->Gather(&inner);
     });
     EXPECT_TRUE(engine->Gather(&outer));
-    std::erase_if(outer.lines, std::not_fn(isFound));
-    EXPECT_EQ(outer.lines, (Lines{L"found a\\1.tmp 10 G", L"found b\\3.log 5 G"}));
+    EXPECT_EQ(outer.Of(L'f'), (Lines{L"found a\\1.tmp 10 G", L"found b\\3.log 5 G"}));
 }
 
 TEST(NestedRun, BringsTheOuterCallbackBack) {
@@ -117,4 +110,19 @@ TEST(NestedRun, BringsTheOuterCallbackBack) {
     EXPECT_TRUE(engine->Gather(&outer) && outer.lines.size() > 18);
     EXPECT_EQ(inner.lines, SmallJob::Expected(false));
     EXPECT_TRUE(engine->HostNotify1(1)) << "nobody to ask any more";
+}
+
+TEST(EngineLife, EndsBeforeThatOfTheNodesThatTheHostHolds) {
+    const SmallJob job;
+    Engine engine = NewEngine(job);
+    const CReference ofEarlierInit(engine->GetFirstCategory());
+    engine->Uninit();
+    engine->Init(job.rules.c_str(), job.texts.c_str(), nullptr);
+    engine->Gather(nullptr);
+    const CReference category(engine->GetFirstCategory());
+    const auto rule = std::move(ChildrenOf(*ChildrenOf(*ChildrenOf(*category)[0])[0])[0]);
+    engine = {};
+    EXPECT_TRUE(!category->GetFirstChild() && category->HostNotify1(0));
+    EXPECT_EQ(rule->GetTotalCount(), 2u);
+    rule->Toggle();
 }

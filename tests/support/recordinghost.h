@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,13 @@ struct RecordingHost final : IDregsweepCallback {
     bool Reserved() override { return Note(L"reserved"); }
     bool EmptiedItem(const wchar_t* path, uint64_t size, uint64_t category, bool removed) override {
         return Note(L"emptied " + Item(path, size, category) + (removed ? L" 1" : L" 0"));
+    }
+
+    // The lines that begin with this letter.
+    Lines Of(wchar_t first) const {
+        Lines some;
+        std::ranges::copy_if(lines, std::back_inserter(some), [=](const auto& line) { return line[0] == first; });
+        return some;
     }
 
     Lines lines;
