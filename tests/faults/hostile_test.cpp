@@ -15,13 +15,20 @@
 
 namespace {
 
+// What is inserted, "~" before each. Nothing that could lead a rule out of its folder: that a rule file may do.
+const std::string kSnippets =
+    "~<~>~'~\"~/>~&#0;~&#xFFFF;~&lt~<!--~<![CDATA[~]]>~<?xml encoding='UTF-16'?>~ Iteration='1'~ LoopPath='1'~"
+    " ExcludePath='1'~ Filter='~ Filter='*?*?*?*?'~ SelState='-1'~ IsFolder='99999999999999999999'~"
+    "<LoopPath Path='*'/>~<LoopPath TerminalPath='|'/>~<ExcludePath Path=''/>~\xEF\xBB\xBF~\xC0\x80~\xED\xA0\x80~"
+    "\r\n~\n\n~|~[Config]\n~version=-9999999999\n~\xFE\xFF";
+
 class Mutator {
 public:
     explicit Mutator(unsigned seed) : m_random(seed) {}
 
     std::string operator()(std::string text) {
         for (size_t count = 1 + Number(3); count > 0; --count)
-            Mutate(text, Number(std::size(kSnippets) + 9));
+            Mutate(text, Number(30));
         return text;
     }
 
@@ -30,62 +37,31 @@ private:
 
     void Mutate(std::string& text, size_t kind) {
         const size_t at = Number(text.size() + 1), length = std::min(Number(40), text.size() - at);
-        if (kind < std::size(kSnippets)) {
-            text.insert(at, kSnippets[kind]);
-        } else if (kind == std::size(kSnippets)) {
+        if (kind == 0) {
             text.resize(at);
-        } else if (kind == std::size(kSnippets) + 1) {  // nesting
+        } else if (kind == 1) {  // nesting
             const std::string tag = Number(2) ? "<GarbageCatagory Name='x'>" : "<a>";
             for (size_t depth = Number(300); depth > 0; --depth)
                 text.insert(at, tag);
-        } else if (kind == std::size(kSnippets) + 2) {  // a huge attribute or name
+        } else if (kind == 2) {  // a huge attribute or name
             text.insert(at, std::string(Number(100'000), "x\\*&\xC3"[Number(5)]));
-        } else if (kind == std::size(kSnippets) + 3) {  // in UTF-16
+        } else if (kind == 3) {  // in UTF-16
             std::string wide = "\xFF\xFE";
             for (const char c : text)
                 wide += {c, '\0'};
             text = wide;
-        } else if (kind == std::size(kSnippets) + 4) {  // a piece twice, or somewhere else
+        } else if (kind == 4) {  // a piece twice, or somewhere else
             text.insert(Number(text.size() + 1), std::string(text, at, length * 5));
-        } else if (kind == std::size(kSnippets) + 5) {
+        } else if (kind == 5) {
             text.erase(at, length);
-        } else if (!text.empty()) {  // a byte
+        } else if (kind < 9 && !text.empty()) {  // a byte
             text[Number(text.size())] = static_cast<char>(m_random());
+        } else {
+            const size_t begin = kSnippets.find('~', Number(kSnippets.rfind('~'))) + 1;
+            text.insert(at, kSnippets, begin, kSnippets.find('~', begin) - begin);
         }
     }
 
-    // Nothing that could lead a rule out of its folder: that a rule file may do.
-    static constexpr const char* kSnippets[] = {"<",
-                                                ">",
-                                                "'",
-                                                "\"",
-                                                "/>",
-                                                "&#0;",
-                                                "&#xFFFF;",
-                                                "&lt",
-                                                "<!--",
-                                                "<![CDATA[",
-                                                "]]>",
-                                                "<?xml encoding='UTF-16'?>",
-                                                " Iteration='1'",
-                                                " LoopPath='1'",
-                                                " ExcludePath='1'",
-                                                " Filter='",
-                                                " Filter='*?*?*?*?'",
-                                                " SelState='-1'",
-                                                " IsFolder='99999999999999999999'",
-                                                "<LoopPath Path='*'/>",
-                                                "<LoopPath TerminalPath='|'/>",
-                                                "<ExcludePath Path=''/>",
-                                                "\xEF\xBB\xBF",
-                                                "\xC0\x80",
-                                                "\xED\xA0\x80",
-                                                "\r\n",
-                                                "\n\n",
-                                                "|",
-                                                "[Config]\n",
-                                                "version=-9999999999\n",
-                                                "\xFE\xFF"};
     std::mt19937 m_random;
 };
 
@@ -114,7 +90,8 @@ int Load(const std::wstring& rules, const std::wstring& texts, const Engine& eng
 TEST(HostileFiles, TwentyThousandMutationsTouchNothingElse) {
     RecordProperty("leaks", "TinyXML loses what it cannot parse");
     const SmallJob job;
-    const std::string rules = ReadFileBytes(job.rules), texts = ReadFileBytes(job.texts);
+    const std::string originals[] = {ReadFileBytes(job.rules), ReadFileBytes(job.texts),
+                                     "\xEF\xBB\xBFrules.xml\r\nsub\\text.xml\nä.xml", "[Config]\r\nversion=0012\r\n"};
     // Rules that lost their pattern may take all of this; what lost its base folder finds nothing.
     const TempFolder own;
     SetEnvironmentVariableW(L"DSW_JOB", own.path().c_str());
@@ -126,10 +103,7 @@ TEST(HostileFiles, TwentyThousandMutationsTouchNothingElse) {
     for (unsigned seed = 0; seed < 20'000; ++seed) {
         Mutator mutate(seed);
         const auto kind = static_cast<unsigned>("0000111223"[seed % 10] - '0');
-        const std::string mutated = mutate(kind == 0   ? rules
-                                           : kind == 1 ? texts
-                                           : kind == 2 ? "\xEF\xBB\xBFrules.xml\r\nsub\\text.xml\nä.xml"
-                                                       : "[Config]\r\nversion=0012\r\n");
+        const std::string mutated = mutate(originals[kind]);
         std::ofstream(file.c_str(), std::ios::binary) << mutated;
         if (kind == 0) loaded += Load(file, L"", engine);
         if (kind == 1) loaded += Load(job.rules, file, engine);
