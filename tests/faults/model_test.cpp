@@ -74,7 +74,10 @@ public:
         for (const bool clean : {false, true, false}) {
             RecordingHost host(m_folder.path());
             RecordingExplanation shown;
-            ExplainSelected(*engine, shown);
+            ForEachRule(*engine, [&](IGarbageInfo& rule) {
+                if (rule.GetState() != SelectionNone) rule.Explain(&shown);
+            });
+            std::ranges::transform(shown.lines, shown.lines.begin(), Lower);
             const Model::Registry before = m_model.registry;
             EXPECT_TRUE(clean ? engine->Clean(&host) : engine->Gather(&host));
             // The order within a folder is the system's.
@@ -256,17 +259,6 @@ private:
             ASSERT_EQ(children.size(), level.below.size()) << level.name;
             for (size_t i = 0; i < children.size(); ++i)
                 Compare(*children[i], level.below[i], clean);
-        }
-    }
-    template <class Node>
-    static void ExplainSelected(Node& node, RecordingExplanation& details) {
-        if constexpr (requires { node.Explain(nullptr); }) {
-            if (node.GetState() != SelectionNone) node.Explain(&details);
-            for (std::wstring& line : details.lines)
-                line = Lower(line);
-        } else {
-            for (const auto& child : ChildrenOf(node))
-                ExplainSelected(*child, details);
         }
     }
     // As the actions that take it.

@@ -23,6 +23,7 @@
 #include "tests/faults/refusals.h"
 #include "tests/support/allocguard.h"
 #include "tests/support/iatpatch.h"
+#include "tests/support/recordingexplanation.h"
 #include "tests/update/updatefixture.h"
 
 namespace {
@@ -59,11 +60,6 @@ struct Job {
     virtual void Check(bool whole) = 0;
     // What the libraries below leave behind when memory ends.
     virtual bool MayLeak() const { return false; }
-};
-
-struct PassingExplanation final : IGarbageInfo::IExplanationVisitor {
-    bool OnScope(const GarbageScope*) override { return true; }
-    bool OnAction(const GarbageAction*) override { return true; }
 };
 
 // Keeps nothing that takes memory.
@@ -133,7 +129,7 @@ public:
         m_code = m_engine->Init(m_rules.c_str(), m_texts.c_str(), nullptr);
         m_gathered = m_engine->Gather(&m_tally);
         NoThrow(true, [this] {
-            PassingExplanation details;
+            RecordingExplanation details;
             ForEachRule(*m_engine, [&](IGarbageInfo& rule) { rule.Explain(&details); });
             return true;
         });

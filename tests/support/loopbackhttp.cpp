@@ -7,23 +7,10 @@
 
 namespace {
 
-class Socket {
-public:
-    explicit Socket(SOCKET socket) : m_socket(socket) {}
-    ~Socket() { closesocket(m_socket); }
-    Socket(const Socket&) = delete;
-    Socket& operator=(const Socket&) = delete;
-    SOCKET get() const { return m_socket; }
-
-private:
-    SOCKET m_socket;
-};
-
 void LimitWaits(SOCKET client) {
     const DWORD milliseconds = 5000;
-    const auto* value = reinterpret_cast<const char*>(&milliseconds);
-    setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, value, sizeof milliseconds);
-    setsockopt(client, SOL_SOCKET, SO_SNDTIMEO, value, sizeof milliseconds);
+    for (const int wait : {SO_RCVTIMEO, SO_SNDTIMEO})
+        setsockopt(client, SOL_SOCKET, wait, reinterpret_cast<const char*>(&milliseconds), sizeof milliseconds);
 }
 
 // The path in "GET /path HTTP/1.1", once the whole head of the request has come.
@@ -90,9 +77,9 @@ void LoopbackHttp::Run() {
     for (;;) {
         const SOCKET client = accept(m_listener, nullptr, nullptr);
         if (client == INVALID_SOCKET) return;
-        const Socket closer(client);
         LimitWaits(client);
         Answer(client);
+        closesocket(client);
     }
 }
 
