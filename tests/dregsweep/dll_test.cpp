@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "dregsweep/idregsweep.h"
-#include "sysservices/text.h"
 #include "tests/dregsweep/builtfiles.h"
 #include "tests/support/iatpatch.h"
 #include "tests/support/smalljob.h"
@@ -31,13 +30,6 @@ TEST_F(Module, ExportsTheFactoriesOnly) {
     EXPECT_FALSE(ExportOf<bool (*)()>(module, "StartFunc")()) << "not installed";
     EXPECT_TRUE(ExportOf<bool (*)()>(module, "EndFunc")());
     EXPECT_TRUE(FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION));
-}
-
-TEST_F(Module, ImportsSystemLibrariesOnly) {
-    const std::wstring system =
-        L"advapi32.dll kernel32.dll msvcrt.dll ole32.dll shell32.dll shlwapi.dll user32.dll wininet.dll";
-    for (const auto& [library, function] : ImportsOf(module))
-        EXPECT_TRUE(system.find(ToLower(Utf8ToWide(library))) != system.npos) << library;
 }
 
 TEST_F(Module, TakesTheUpgradeFilesFromBesideTheExecutable) {

@@ -9,6 +9,7 @@
 #include <cwctype>
 #include <random>
 
+#include "sysservices/handle.h"
 #include "sysservices/privilegecontext.h"
 #include "tests/dregsweep/engine.h"
 #include "tests/support/folderlink.h"
@@ -56,11 +57,7 @@ public:
             m_model.hostFolder.pop_back();
         MakeLevel(m_root, 0, 2);
     }
-    ~Case() {
-        for (const HANDLE held : m_held)
-            CloseHandle(held);
-        RegDeleteTreeW(HKEY_CURRENT_USER, m_key.c_str());
-    }
+    ~Case() { RegDeleteTreeW(HKEY_CURRENT_USER, m_key.c_str()); }
 
     void Run() {
         const CString hostFile = (m_model.hostFolder.empty() ? L"C:\\none" : m_model.hostFolder) + L"\\h.exe";
@@ -120,14 +117,11 @@ private:
         node->size = Chance(3) ? 5ULL << 32 : Number(300);
         folder.entries.push_back({name, node});
         m_files.push_back(relative + name);
-        const HANDLE file = CreateFileW(node->path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
-        SetFilePointerEx(file, {.QuadPart = static_cast<LONGLONG>(node->size)}, nullptr, FILE_BEGIN);
-        SetEndOfFile(file);
+        CHandle file(CreateFileW(node->path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        SetFilePointerEx(file.get(), {.QuadPart = static_cast<LONGLONG>(node->size)}, nullptr, FILE_BEGIN);
+        SetEndOfFile(file.get());
         if (node->isReadOnly) SetFileAttributesW(node->path.c_str(), FILE_ATTRIBUTE_READONLY);
-        if (node->isHeld)
-            m_held.push_back(file);
-        else
-            CloseHandle(file);
+        if (node->isHeld) m_held.push_back(std::move(file));
     }
     void SetValue(const CString& key, const CString& value) {
         const CString path = key.empty() ? m_key : m_key + L"\\" + key;
@@ -297,7 +291,7 @@ private:
     const CString m_key = L"Software\\DswModel" + std::to_wstring(GetCurrentProcessId());
     std::vector<CString> m_relative, m_files;  // below the base
     bool m_linked = true;                      // one link at most, and none in what it leads to
-    std::vector<HANDLE> m_held;
+    std::vector<CHandle> m_held;
     Model m_model;
     Level m_root{""};
 };
