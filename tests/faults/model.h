@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -46,34 +47,19 @@ struct Node {
     }
 };
 
+// What the engine reads from the rule file; an empty text is no attribute.
+using Attributes = std::map<std::string, CString>;
+
 struct Rule {
-    struct Exclude {
-        CString path;
-        bool exact, iteration;
-    };
-    struct Step {
-        CString path, addPath;
-    };
     struct Found {
         CString path;
         uint64_t size;
         Node* file;  // null when no deletion can succeed
     };
-    // Equal is what is contained in the other; only the way down the set is searched.
-    struct Containment {
-        bool operator()(const CString& a, const CString& b) const {
-            if (Contains(a, b) || Contains(b, a)) return false;
-            return _wcsicmp(a.c_str(), b.c_str()) < 0;  // of the C locale, which folds ASCII only
-        }
-    };
-    std::string attributes, children;  // in XML, for the engine
-    bool isRegistry = false, isFolder = false, iteration = false, selfExclude = false, exact = false, delKey = false;
-    CString path, filter = L"*";
-    std::set<CString, Containment> excludeFilters;
-    std::vector<Exclude> excludes;
-    std::vector<Step> steps;
-    std::vector<CString> names;  // terminal paths, or values; in lower case
-    bool isLoop = false;
+    bool Is(const char* flag) { return !own[flag].empty(); }
+
+    Attributes own, terminal;
+    std::vector<Attributes> steps, excludes;  // of a loop, and folders
     std::vector<Found> found;
 };
 
@@ -110,6 +96,13 @@ public:
     Registry registry;
 
 private:
+    // Equal is what is contained in the other; only the way down the set is searched.
+    struct Containment {
+        bool operator()(const CString& a, const CString& b) const {
+            if (Contains(a, b) || Contains(b, a)) return false;
+            return _wcsicmp(a.c_str(), b.c_str()) < 0;  // of the C locale, which folds ASCII only
+        }
+    };
     // Both in lower case.
     static bool Like(const wchar_t* pattern, const wchar_t* name) {
         if (*pattern == L'*') return Like(pattern + 1, name) || (*name && Like(pattern, name + 1));
@@ -130,32 +123,34 @@ private:
             if (entry.node->isFolder && !entry.isLink && entry.name[0] != L'.')
                 work(entry.name, Place(place.first + L"\\" + entry.name, entry.node.get()));
     }
-    static void FindTerminals(const Rule& rule, const Place& from, std::vector<Place>& found) {
+    static void FindTerminals(Rule& rule, const Place& from, std::vector<Place>& found) {
         EachLoopFolder(from, [&](const CString& name, const Place& place) {
-            const bool isTerminal = std::ranges::any_of(rule.names, [&](const CString& terminal) {
-                return rule.exact ? Lower(name) == terminal : Contains(Lower(name), terminal);
-            });
+            const bool isTerminal =
+                std::ranges::any_of(Split(Lower(rule.terminal["TerminalPath"]), L"|"), [&](const CString& terminal) {
+                    return rule.terminal["ExactMatch"].empty() ? Contains(Lower(name), terminal)
+                                                               : Lower(name) == terminal;
+                });
             if (isTerminal)
                 found.push_back(place);
             else
                 FindTerminals(rule, place, found);
         });
     }
-    static std::vector<Place> Loop(const Rule& rule, const Place& start) {
+    static std::vector<Place> Loop(Rule& rule, const Place& start) {
         std::vector<Place> current, previous;
-        for (const Rule::Step& step : rule.steps) {
+        for (Attributes& step : rule.steps) {
             current.clear();
             for (const Place& from : previous.empty() ? std::vector{start} : previous)
                 EachLoopFolder(from, [&](const CString& name, Place place) {
-                    if (!Matches(step.path, name)) return;
-                    if (!step.addPath.empty())
-                        place = {place.first + L"\\" + step.addPath, place.second->Find(step.addPath)};
+                    if (!Matches(step["Path"], name)) return;
+                    const CString more = step["AddPath"];
+                    if (!more.empty()) place = {place.first + L"\\" + more, place.second->Find(more)};
                     current.push_back(place);
                 });
             if (current.empty()) break;
             previous = current;
         }
-        if (rule.names.empty()) return current;
+        if (rule.terminal.empty()) return current;
         current.clear();
         for (const Place& from : previous)
             FindTerminals(rule, from, current);
@@ -170,32 +165,35 @@ private:
     }
     void Scan(Rule& rule, Node* from, const CString& path, bool withFiles) const {
         if (!IsAllowed(path) || !from) return;
+        const auto tokens = Split(rule.own["ExcludeFilter"], L"|");
+        const std::set<CString, Containment> excludeFilters(tokens.begin(), tokens.end());
         for (const Node::Entry& entry : from->entries) {
             const CString own = path + L"\\" + entry.name;
             if (!entry.node->isFolder) {
-                const bool matches = entry.node->exists && withFiles && Matches(rule.filter, entry.name);
-                if (matches && !rule.excludeFilters.contains(entry.name))
+                const bool matches = entry.node->exists && withFiles && Matches(rule.own["Filter"], entry.name);
+                if (matches && !excludeFilters.contains(entry.name))
                     rule.found.push_back({own, entry.node->size, entry.node.get()});
-            } else if (rule.iteration && !(rule.filter == L"*" && entry.isLink)) {
-                const auto exclude = std::ranges::find_if(rule.excludes, [&](const Rule::Exclude& e) {
-                    return e.exact ? Lower(own).ends_with(Lower(e.path)) : Contains(Lower(entry.name), Lower(e.path));
+            } else if (rule.Is("Iteration") && !(rule.own["Filter"] == L"*" && entry.isLink)) {
+                const auto exclude = std::ranges::find_if(rule.excludes, [&](Attributes& e) {
+                    const CString part = Lower(e["Path"]);
+                    return e["ExactMatch"].empty() ? Contains(Lower(entry.name), part) : Lower(own).ends_with(part);
                 });
                 const bool isExcluded = exclude != rule.excludes.end();
-                if (!isExcluded || exclude->iteration) Scan(rule, entry.node.get(), own, !isExcluded);
+                if (!isExcluded || !(*exclude)["Iteration"].empty()) Scan(rule, entry.node.get(), own, !isExcluded);
             }
         }
     }
     void Gather(Rule& rule) const {
         rule.found.clear();
-        if (rule.isRegistry) return;
-        const CString path = base->path + (rule.path.empty() ? L"" : L"\\") + rule.path;
-        if (rule.isFolder && rule.isLoop) {
-            for (const auto& [at, node] : Loop(rule, {path, base->Find(rule.path)}))
+        if (rule.Is("Registry")) return;
+        CString name = rule.own["Path"];
+        const CString path = base->path + (name.empty() ? L"" : L"\\") + name;
+        if (rule.Is("IsFolder") && rule.Is("LoopPath")) {
+            for (const auto& [at, node] : Loop(rule, {path, base->Find(name)}))
                 Scan(rule, node, at, true);
-        } else if (rule.isFolder) {
-            Scan(rule, base->Find(rule.path), path, !rule.selfExclude);
+        } else if (rule.Is("IsFolder")) {
+            Scan(rule, base->Find(name), path, !rule.Is("SelfExclude"));
         } else {
-            CString name = rule.path;
             const bool hasWildcard = name.ends_with(L"b?.tmp");
             if (hasWildcard) name[name.size() - 5] = L'1';  // of a case's names only this one fits
             Node* node = base->Find(name);
@@ -210,21 +208,25 @@ private:
         file->exists = false;
         return true;
     }
-    void DeleteValues(const Rule& rule, const CString& key) {
-        if (rule.names.empty()) std::erase_if(registry, [&](const CString& e) { return e.starts_with(key + L"|"); });
-        for (const CString& name : rule.names)
+    void DeleteValues(Rule& rule, const CString& key) {
+        const auto names = Split(Lower(rule.own["Value"]), L"|");
+        if (names.empty()) std::erase_if(registry, [&](const CString& e) { return e.starts_with(key + L"|"); });
+        for (const CString& name : names)
             registry.erase(key + L"|" + name);
     }
-    void CleanRegistry(const Rule& rule) {
-        const CString path = Lower(rule.path);
+    void CleanRegistry(Rule& rule) {
+        const CString path = Lower(rule.own["KeyPath"]), filter = Lower(rule.own["Filter"]);
         std::vector<CString> subKeys;
         for (const CString& entry : registry)
             if (!Contains(entry, L"|") && entry.substr(0, entry.rfind(L'\\')) == path) subKeys.push_back(entry);
-        if (rule.delKey && subKeys.empty()) std::erase_if(registry, [&](const CString& e) { return KeyOf(e) == path; });
-        if (rule.delKey) return;
-        if (!rule.iteration) return DeleteValues(rule, path);
-        for (const CString& key : subKeys)
-            DeleteValues(rule, key + (rule.filter.empty() ? L"" : L"\\") + Lower(rule.filter));
+        if (rule.Is("DelKey")) {
+            if (subKeys.empty()) std::erase_if(registry, [&](const CString& e) { return KeyOf(e) == path; });
+        } else if (rule.Is("Iteration")) {
+            for (const CString& key : subKeys)
+                DeleteValues(rule, key + (filter.empty() ? L"" : L"\\") + filter);
+        } else {
+            DeleteValues(rule, path);
+        }
     }
 
     // The notifications of items, and the totals of every level.
@@ -251,7 +253,7 @@ private:
                 ++level.count;
             }
         } else {
-            if (rule.isRegistry) CleanRegistry(rule);
+            if (rule.Is("Registry")) CleanRegistry(rule);
             std::erase_if(rule.found, [&](const Rule::Found& item) {
                 if (!hostFolder.empty() && Contains(Lower(item.path), hostFolder)) return false;
                 const bool deleted = Delete(item.file);

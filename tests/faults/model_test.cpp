@@ -144,85 +144,74 @@ private:
             level.below.push_back(std::move(child));
         }
     }
-    static std::string Attribute(const char* name, const CString& value) {
-        std::string text;
-        for (const char c : WideToUtf8(value))
-            text += c == '&' ? "&amp;" : c == '\'' ? "&apos;" : std::string(1, c);
-        return std::string(" ") + name + "='" + text + "'";
-    }
-    static std::string Flag(const char* name, bool value) { return value ? std::string(" ") + name + "='1'" : ""; }
-    std::string Values(const char* name, std::vector<CString>& values, const CString& list) {
-        for (const CString& value : Split(list, L"|"))
-            values.push_back(Lower(value));
-        return Attribute(name, list);
-    }
-
+    CString Flag(unsigned percent) { return Chance(percent) ? L"1" : L""; }
     Rule MakeRule() {
         Rule rule;
+        Attributes& own = rule.own;
         const unsigned kind = Number(100);
-        rule.iteration = Chance(60);
-        std::string& text = rule.attributes = Flag("Iteration", rule.iteration);
+        own["Iteration"] = Flag(60);
         if (kind < 12) {
-            rule.isRegistry = true;
-            rule.delKey = Chance(25);
-            rule.path = Shout(m_key + Pick(std::array{L"", L"\\K1", L"\\K3", L"\\none"}));
-            rule.filter = Pick(std::array{L"", L"F", L"none"});
-            text += " Registry='1' RootKey='HKCU'" + Flag("DelKey", rule.delKey) + Attribute("KeyPath", rule.path)
-                    + Attribute("Filter", rule.filter);
-            if (Chance(50)) text += Values("Value", rule.names, Pick(std::array{L"|A|none", L"BLUE||Ü", L"none"}));
+            own.insert({{"Registry", L"1"}, {"RootKey", L"HKCU"}, {"DelKey", Flag(25)}});
+            own["KeyPath"] = Shout(m_key + Pick(std::array{L"", L"\\K1", L"\\K3", L"\\none"}));
+            own["Filter"] = Pick(std::array{L"", L"F", L"none"});
+            if (Chance(50)) own["Value"] = Pick(std::array{L"|A|none", L"BLUE||Ü", L"none"});
             return rule;
         }
-        text += " FolderEnvDir='DSW_BASE'";
+        own["FolderEnvDir"] = L"DSW_BASE";
         if (kind < 28) {
             const CString folder = Pick(m_relative);
-            rule.path = Chance(60) && !m_files.empty() ? Shout(Pick(m_files))
-                        : folder.empty()               ? L"b?.tmp"
-                                                       : folder + Pick(std::array{L"", L"\\b?.tmp", L"\\none"});
-            text += Attribute("Path", rule.path);
+            own["Path"] = Chance(60) && !m_files.empty() ? Shout(Pick(m_files))
+                          : folder.empty()               ? L"b?.tmp"
+                                                         : folder + Pick(std::array{L"", L"\\b?.tmp", L"\\none"});
             return rule;
         }
-        rule.isFolder = true;
-        rule.path = Chance(8) ? L"none" : Shout(Pick(m_relative)) + (Chance(10) ? L"\\" : L"");
-        rule.selfExclude = Chance(20);
-        rule.filter = Chance(40) ? L"*" : Pick(std::array{L"*.tmp", L"*.LOG", L"*.*", L"b?.tmp", L"a.tmp", L"清*"});
-        text += " IsFolder='1'" + Attribute("Path", rule.path) + Attribute("Filter", rule.filter)
-                + Flag("SelfExclude", rule.selfExclude);
-        if (Chance(30)) {
-            const CString list = Pick(std::array{L".log", L"tmp|.log", L"|setup||hidden|b1", L"ä", L"z|Ä ö.tmp.x|B2"});
-            for (CString& token : Split(list, L"|"))
-                rule.excludeFilters.insert(std::move(token));
-            text += Attribute("ExcludeFilter", list);
-        }
+        own["IsFolder"] = L"1";
+        own["Path"] = Chance(8) ? L"none" : Shout(Pick(m_relative)) + (Chance(10) ? L"\\" : L"");
+        own["SelfExclude"] = Flag(20);
+        own["Filter"] = Chance(40) ? L"*" : Pick(std::array{L"*.tmp", L"*.LOG", L"*.*", L"b?.tmp", L"a.tmp", L"清*"});
+        const std::array tokens{L".log", L"tmp|.log", L"|setup||hidden|b1", L"ä", L"z|Ä ö.tmp.x|B2"};
+        if (Chance(30)) own["ExcludeFilter"] = Pick(tokens);
         if (Chance(25)) MakeLoop(rule);
-        if (!Chance(35)) return rule;
-        text += " ExcludePath='1'";
-        for (unsigned count = 1 + Number(3); count > 0; --count) {
+        own["ExcludePath"] = Flag(35);
+        for (unsigned count = own["ExcludePath"].empty() ? 0 : 1 + Number(3); count > 0; --count) {
             const CString path = Pick(std::array{L"temp", L"SUB", L"ache", L"sub\\TEMP", L"Ünï", L"emp\\Ünï", L"none"});
-            rule.excludes.push_back({path, Chance(50), Chance(40)});
-            rule.children += "<ExcludePath" + Attribute("Path", path) + Flag("ExactMatch", rule.excludes.back().exact)
-                             + Flag("Iteration", rule.excludes.back().iteration) + "/>";
+            rule.excludes.push_back({{"Path", path}, {"ExactMatch", Flag(50)}, {"Iteration", Flag(40)}});
         }
         return rule;
     }
     void MakeLoop(Rule& rule) {
-        rule.isLoop = true;
-        rule.attributes += " LoopPath='1'";
+        rule.own["LoopPath"] = L"1";
         for (unsigned count = Number(4); count > 0; --count) {
-            rule.steps.push_back({Pick(std::array{L"*", L"temp*", L"sub", L"none"}), Chance(20) ? L"cache" : L""});
-            rule.children += "<LoopPath" + Attribute("Path", rule.steps.back().path)
-                             + Attribute("AddPath", rule.steps.back().addPath) + "/>";
+            const CString path = Pick(std::array{L"*", L"temp*", L"sub", L"none"});
+            rule.steps.push_back({{"Path", path}, {"AddPath", Chance(20) ? L"cache" : L""}});
         }
         if (!Chance(50)) return;
-        rule.exact = Chance(50);
-        rule.children += "<LoopPath" + Flag("ExactMatch", rule.exact)
-                         + Values("TerminalPath", rule.names, Pick(std::array{L"TEMP|cache", L"ub", L"ünï"})) + "/>";
+        rule.terminal["ExactMatch"] = Flag(50);
+        rule.terminal["TerminalPath"] = Pick(std::array{L"TEMP|cache", L"ub", L"ünï"});
     }
-    static std::string Xml(const Level& level, int depth) {
-        const std::string tag = std::array{"Rules", "AppCategoryInfo", "AppInfo", "GarbageCatagory",
-                                           "GarbageInfo"}[static_cast<size_t>(depth)];
-        std::string xml = "<" + tag + " Name='" + level.name + "'" + level.rule.attributes;
-        if (level.ownState >= 0) xml += " SelState='" + std::to_string(level.ownState) + "'";
-        xml += ">" + level.rule.children;
+    static std::string Xml(const std::string& tag, const Attributes& attributes) {
+        std::string xml = "<" + tag;
+        for (const auto& [name, value] : attributes) {
+            if (value.empty()) continue;
+            xml += " " + name + "='";
+            for (const char c : WideToUtf8(value))
+                xml += c == '&' ? "&amp;" : c == '\'' ? "&apos;" : std::string(1, c);
+            xml += "'";
+        }
+        return xml + ">";
+    }
+    static std::string Xml(const Level& level, size_t depth) {
+        const std::string tag =
+            std::array{"Rules", "AppCategoryInfo", "AppInfo", "GarbageCatagory", "GarbageInfo"}[depth];
+        Attributes own = level.rule.own;
+        own["Name"] = Utf8ToWide(level.name);
+        if (level.ownState >= 0) own["SelState"] = std::to_wstring(level.ownState);
+        std::string xml = Xml(tag, own);
+        for (const Attributes& step : level.rule.steps)
+            xml += Xml("LoopPath", step) + "</LoopPath>";
+        if (!level.rule.terminal.empty()) xml += Xml("LoopPath", level.rule.terminal) + "</LoopPath>";
+        for (const Attributes& exclude : level.rule.excludes)
+            xml += Xml("ExcludePath", exclude) + "</ExcludePath>";
         for (const Level& child : level.below)
             xml += Xml(child, depth + 1);
         return xml + "</" + tag + ">\n";
