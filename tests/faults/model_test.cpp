@@ -181,6 +181,7 @@ private:
     }
     void MakeLoop(Rule& rule) {
         rule.own["LoopPath"] = L"1";
+        if (Chance(70)) rule.own["Path"].clear();  // or few have two levels below them
         for (unsigned count = Number(4); count > 0; --count) {
             const CString path = Pick(std::array{L"*", L"temp*", L"sub", L"none"});
             rule.steps.push_back({{"Path", path}, {"AddPath", Chance(20) ? L"cache" : L""}});
