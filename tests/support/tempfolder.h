@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-// A new folder below the prefix's temporary folder, removed at the end of the scope, but for what is in use or
-// read-only. Relative names use "\" as separator.
+// A new folder below the prefix's temporary folder, removed with all its content at the end of the scope. Relative
+// names use "\" as separator.
 class TempFolder {
 public:
     TempFolder();
