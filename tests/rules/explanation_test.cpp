@@ -49,7 +49,9 @@ TEST_F(Explanation, TellsWhatARuleLooksAt) {
         {"Registry='1' RootKey='HKUR' KeyPath='K' Filter='f' Iteration='1' Value='A|b'",
          "",
          {L"scope 5 1 HKU\\K|f", L"scope 6 0 a|", L"scope 6 0 b|"}},
-        {"Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1' Iteration='1' Filter='f' Value='v'", "", {L"scope 5 8 HKLM\\none|"}},
+        {"Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1' Iteration='1' Filter='f' Value='v'",
+         "",
+         {L"scope 5 8 HKLM\\none|"}},
         {"Registry='1' KeyPath='K'", "", {}},
     };
     for (const auto& test : cases) {
