@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 TEST(Containment, LookUpFollowsThePathThroughTheSet) {
-    struct Case {
+    const struct {
         const wchar_t *tokens, *excluded, *kept;
-    } const cases[] = {
+    } cases[] = {
         {L".tmp|.log|.bak|.old", L"a.tmp|a.log", L"a.bak|a.old"},  // the look-up goes right past the other two
         {L".log|.tmp", L"a.log|a.tmp", L"!a.tmp"},
         {L".log|.log1", L"a.log|a.log1", L"a.lo"},                // the second token was dropped
@@ -17,13 +17,13 @@ TEST(Containment, LookUpFollowsThePathThroughTheSet) {
         {L"`m|z", L"Bz", L"B"},
         {L"", L"", L"a.log"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [tokens, excluded, kept] : cases) {
         ContainmentSet set;
-        for (CString& token : Split(c.tokens, L"|"))
+        for (CString& token : Split(tokens, L"|"))
             set.insert(std::move(token));
-        for (const CString& name : Split(c.excluded, L"|"))
+        for (const CString& name : Split(excluded, L"|"))
             EXPECT_TRUE(set.contains(name)) << WideToUtf8(name);
-        for (const CString& name : Split(c.kept, L"|"))
+        for (const CString& name : Split(kept, L"|"))
             EXPECT_FALSE(set.contains(name)) << WideToUtf8(name);
     }
 }

@@ -28,34 +28,31 @@ public:
         return goOn && found.size() < stopAt;
     }
     bool ReportEmptied(const CString& item, const uint64_t* size, uint64_t extra, bool deleted, uint32_t n) override {
-        const bool goOn = CGarbageInfo::ReportEmptied(item, size, extra, deleted, n);
         emptied.push_back((deleted ? L"+" : L"-") + item.substr(item.rfind(L'\\') + 1));
         onEmptied();
-        return goOn && emptied.size() < stopAt;
+        return CGarbageInfo::ReportEmptied(item, size, extra, deleted, n);
     }
 
-    size_t stopAt = SIZE_MAX;  // the report that is answered false
+    size_t stopAt = SIZE_MAX;  // the find that is answered false
     std::function<void()> onFound = [] {}, onEmptied = [] {};
     std::vector<CString> found, emptied;  // "+name" deleted, "-name" not deleted
 };
 
-struct Visitor final : IGarbageInfo::IVisitor {
-    explicit Visitor(std::function<void(const CString&)> work) : visit(std::move(work)) {}
-    void OnItem(const wchar_t* path, uint64_t, IGarbageInfo*) override { visit(path); }
-    std::function<void(const CString&)> visit;
-};
-
 // A temporary folder that rules reach through the environment variable DSW_BASE.
-class RuleTest : public testing::Test {
+class Rules : public testing::Test {
 protected:
-    RuleTest() { SetEnvironmentVariableW(L"DSW_BASE", m_folder.path().c_str()); }
-    ~RuleTest() override { CAppInfoManager::ReleaseInstance(); }
+    Rules() { SetEnvironmentVariableW(L"DSW_BASE", m_folder.path().c_str()); }
+    ~Rules() override { CAppInfoManager::ReleaseInstance(); }
 
     std::vector<CString> Listed(IGarbageInfo& rule) const {
-        std::vector<CString> names;
-        Visitor visitor([&](const CString& path) { names.push_back(path.substr(m_folder.path().size() + 1)); });
+        struct Visitor final : IGarbageInfo::IVisitor {
+            void OnItem(const wchar_t* path, uint64_t, IGarbageInfo*) override { names.push_back(path + skipped); }
+            size_t skipped;
+            std::vector<CString> names;
+        } visitor;
+        visitor.skipped = m_folder.path().size() + 1;
         rule.EnumFound(&visitor);
-        return names;
+        return visitor.names;
     }
 
     TempFolder m_folder;
