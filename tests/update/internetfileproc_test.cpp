@@ -1,26 +1,20 @@
 #include <array>
-#include <cctype>
-#include <map>
 
 #include "tests/update/updatefixture.h"
 
 using namespace InternetFileResult;
+using testing::EndsWith;
 
 namespace {
 
 enum Operation : size_t { kFile, kBuf, kStream, kList, kOperations };
-constexpr std::array<const char*, kOperations> kNames = {"GetFileFromURL", "GetFileBufFromURL", "GetStreamFileInfo",
-                                                         "GetFileListFromURL"};
 using Codes = std::array<uint32_t, kOperations>;
-constexpr uint32_t kSkip = 1;  // in place of a code: not run through this operation
 
 constexpr Codes kNotReady = {kFileNotReady, kBufNotReady, kStreamNotReady, kListNotReady};
 constexpr Codes kFailed = {kFileFailed, kBufFailed, kStreamFailed, kFileFailed};
 constexpr Codes kSizeUnknown = {kFileSizeUnknown, kBufSizeUnknown, kStreamSizeUnknown, kFileSizeUnknown};
 constexpr Codes kTooLarge = {0, 0, kStreamTooLarge, 0};
-constexpr Codes kArrives = {0, 0, 0, kSkip};  // what arrives is no list
-constexpr Codes kCancelled = {kSkip, kSinkCancelled, kSkip, kSkip};
-constexpr Codes kRefused = {kSkip, kSinkRefused, kSkip, kSkip};
+constexpr Codes kCancelled = {0, kSinkCancelled, 0, 0}, kRefused = {0, kSinkRefused, 0, 0};
 
 std::string Body(size_t size) {
     std::string body(size, '\0');
@@ -29,65 +23,34 @@ std::string Body(size_t size) {
     return body;
 }
 
-std::string FailLine(size_t operation, const std::string& url, uint32_t code) {
-    char hex[16];
-    snprintf(hex, sizeof hex, ",0x%x|", code);
-    return kNames[operation] + (" fail," + url + hex);
-}
-
-// The trace lines of a download: "1SA+" stands for those of row 1 that learned the size, then what is available, and
-// came to its end. What failed ends with its code.
-std::string Lines(const char* script, size_t operation, uint32_t code) {
-    // The sink's success line names the file operation.
-    const std::string success = std::string(kNames[operation == kStream ? kStream : kFile]) + " success,#,@|";
-    const std::map<char, std::string> templates = {{'U', "InternetOpenUrl fail,#,@,12029|"},
-                                                   {'u', "InternetOpenUrl fail,#,@,997|"},
-                                                   {'N', "InternetSetFilePointer ret 0xffffffff,@,0|"},
-                                                   {'S', "InternetSetFilePointer ret 0x5,@,0|"},
-                                                   {'L', "InternetSetFilePointer ret 0x191,@,0|"},
-                                                   {'A', "InternetQueryDataAvailable success,#,@,5|"},
-                                                   {'Z', "InternetQueryDataAvailable success,#,@,0|"},
-                                                   {'a', "InternetQueryDataAvailable fail,#,@,12031|"},
-                                                   {'C', "CreateFile fail,#,@,5|"},
-                                                   {'R', "InternetReadFile fail,#,@,12031|"},
-                                                   {'+', success}};
-    std::string lines;
-    for (char row = '0'; *script; ++script) {
-        if (std::isdigit(*script)) row = *script;
-        if (!std::isdigit(*script)) lines += templates.at(*script);
-        std::replace(lines.begin(), lines.end(), '#', row);
-    }
-    if (code != kSuccess && operation == kList) lines += FailLine(kFile, "@", code);
-    return code == kSuccess ? lines : lines + FailLine(operation, "@", code);
-}
-
-// Keeps what it was told: "B" OnBegin, "?" IsCancelled, "D" OnData, "C" OnComplete.
+// Keeps what it was told: "B" and the size OnBegin, "?" IsCancelled, "D" OnData, "C" OnComplete.
 class RecordingSink : public IInternetDataSink {
 public:
-    void OnBegin(uint32_t totalSize) override { Note('B'), m_announced = totalSize, m_bytes.clear(); }
-    uint32_t IsCancelled() override { return Note('?'); }
+    void OnBegin(uint32_t totalSize) override {
+        m_bytes.clear();
+        Note("B" + std::to_string(totalSize));
+    }
+    uint32_t IsCancelled() override { return Note("?"); }
     uint32_t OnData(const uint8_t* bytes, uint32_t length) override {
         m_bytes.append(bytes, bytes + length);
-        return Note('D');
+        return Note("D");
     }
-    void OnComplete() override { Note('C'); }
+    void OnComplete() override { Note("C"); }
 
-    std::string m_calls;
-    std::string m_bytes;
-    uint32_t m_announced = 0;
+    std::string m_calls, m_bytes;
 
 private:
-    bool Note(char call) {
+    bool Note(const std::string& call) {
         m_calls += call;
-        const int number = static_cast<int>(m_calls.size());
-        if (number == g_faults.sinkThrows) throw call;
-        return number == g_faults.sinkStops;
+        if (++m_count == g_faults.sinkThrows) throw call;
+        return m_count == g_faults.sinkStops;
     }
+    int m_count = 0;
 };
 
-class DownloadTest : public UpdateTest {
+class Download : public UpdateTest {
 protected:
-    DownloadTest() {
+    Download() {
         EXPECT_EQ(m_update->Init(), kSuccess);
         m_server.Serve("/list", {"file"});
         m_server.Serve("/file", {"12345"});
@@ -117,6 +80,22 @@ protected:
         if (operation == kStream) return WideToUtf8(m_text);
         return m_folder.Has(L"file") ? ReadFileBytes(m_path) : "";
     }
+    void ExpectAll(const LoopbackHttp::Page& page, const Codes& codes, const Faults& faults = {},
+                   const char* calls = nullptr) {
+        for (size_t operation = 0; operation < kOperations; ++operation) {
+            // An announcement is enough to be refused, and the server need not wait for a client that left.
+            const bool isBig = operation == kStream && page.body.size() > 401;
+            m_server.Serve("/file", isBig ? LoopbackHttp::Page{"begin", page.body.size()} : page);
+            EXPECT_EQ(Run(operation, operation == kList ? m_list : m_url, faults), codes[operation]) << operation;
+            const std::string delivered = Delivered(operation);
+            const bool isWhole = delivered == (codes[operation] == kSuccess ? page.body : "");
+            // A short read ends a resource, so a slow one may arrive cut; what arrives is its beginning.
+            const bool begins = page.piece < page.body.size() && !delivered.empty() && page.body.starts_with(delivered);
+            EXPECT_TRUE(isWhole || begins || (operation == kBuf && calls)) << operation;
+            EXPECT_TRUE(operation != kBuf || !calls || m_sink->m_calls == calls) << m_sink->m_calls;
+        }
+        TakeTraceLines();
+    }
 
     const std::wstring m_path = m_folder / L"file";
     const std::wstring m_list = m_server.Url(L"/list");
@@ -127,101 +106,64 @@ protected:
 
 }  // namespace
 
-TEST_F(DownloadTest, WhateverAServerSends) {
-    struct Row {
-        LoopbackHttp::Page page;
-        Codes codes = {};
-        DWORD size = 0;  // what the platform says instead of the announced one
-    };
-    std::vector<Row> rows = {
-        {{Body(50), 20}},                     // more than announced
-        {{Body(401), 20}, kTooLarge},         // too much more
-        {{Body(50), 90}},                     // fewer
-        {{Body(401)}, kTooLarge, 3},          // a lie about the size
-        {{Body(40)}, kTooLarge, 0x7FFFFFFF},  // another
-        {{.body = Body(50), .hasLength = false}, kSizeUnknown},
-        {{.body = "", .hangsUp = true}, kSizeUnknown},
-        {{.body = Body(300), .piece = 7}},  // slow
-        {{"\xE4\xBD\xA0\xC3\xA9"}},
-    };
+TEST_F(Download, TakesWhateverAServerSends) {
+    ExpectAll({Body(50), 20}, {});                           // more than announced
+    ExpectAll({Body(401), 20}, kTooLarge);                   // too much more
+    ExpectAll({Body(50), 90}, {});                           // fewer
+    ExpectAll({Body(401)}, kTooLarge, {.size = 3});          // a lie about the size
+    ExpectAll({Body(40)}, kTooLarge, {.size = 0x7FFFFFFF});  // another
+    ExpectAll({.body = Body(50), .hasLength = false}, kSizeUnknown, {}, "");
+    ExpectAll({.body = "", .hangsUp = true}, kSizeUnknown);
+    ExpectAll({.body = Body(300), .piece = 7}, {});  // slow
+    ExpectAll({"\xE4\xBD\xA0\xC3\xA9"}, {});
     for (const size_t size : std::initializer_list<size_t>{0, 1, 400, 401, 10239, 10240, 10241, 100'000, 30 << 20})
-        rows.push_back({{Body(size)}, size > 400 ? kTooLarge : Codes()});
-    for (const auto& [page, codes, size] : rows) {
-        for (size_t operation = 0; operation < kOperations; ++operation) {
-            // An announcement is enough to be refused, and the server need not wait for a client that left.
-            const bool isBig = operation == kStream && page.body.size() > 401;
-            m_server.Serve("/file", isBig ? LoopbackHttp::Page{"begin", page.body.size()} : page);
-            EXPECT_EQ(Run(operation, operation == kList ? m_list : m_url, {.size = size}), codes[operation]);
-            const std::string delivered = Delivered(operation);
-            // A short read ends a resource, so a slow one may arrive cut; what arrives is its beginning.
-            const bool begins = page.piece < page.body.size() && !delivered.empty() && page.body.starts_with(delivered);
-            EXPECT_TRUE(begins || delivered == (codes[operation] == kSuccess ? page.body : "")) << kNames[operation];
-        }
-    }
-}
-
-TEST_F(DownloadTest, CodesLinesAndTheSinksCalls) {
-    const struct {
-        const char* lines;
-        Codes codes;
-        const char* calls;
-        Faults faults = {};
-        LoopbackHttp::Page page = {"12345"};
-    } rows[] = {
-        {"1SA+", kArrives, "B?D?C"},
-        {"1SZ+", kArrives, "B?DC", {.zeroAvailable = true}},
-        {"1SAR2SA+", kArrives, "B?D?B?D?C", {.fails = "R", .first = 2, .last = 2}},
-        {"1U2U", kFailed, ""},
-        {"1N2N", kSizeUnknown, "", {}, {.body = "12345", .hasLength = false}},
-        {"1Sa2Sa", kFailed, "BB", {.fails = "A"}},
-        {"1SAR2SAR", kFailed, "B?B?", {.fails = "R"}},
-        {"1L2L", {kSkip, kSkip, kStreamTooLarge, kSkip}, "", {}, {Body(401)}},
-        {"1SA", kCancelled, "B?", {.sinkStops = 2}},
-        {"1SA", kCancelled, "B?D?", {.sinkStops = 4}},
-        {"1SA", kRefused, "B?D", {.sinkStops = 3}},
-        {"1S", kRefused, "B", {.sinkThrows = 1}},
-        {"1SA", kRefused, "B?", {.sinkThrows = 2}},
-        {"1SA", kRefused, "B?D", {.sinkThrows = 3}},
-        {"1SA+", kRefused, "B?D?C", {.sinkThrows = 5}},
-    };
-    for (const auto& row : rows) {
-        m_server.Serve("/file", row.page);
-        const std::wstring url = row.lines[1] == 'U' ? m_closed : m_url;
-        for (size_t operation = 0; operation < kOperations; ++operation) {
-            const uint32_t code = row.codes[operation];
-            if (code == kSkip) continue;
-            EXPECT_EQ(Run(operation, url, row.faults), code);
-            EXPECT_EQ(Traced(url), Lines(row.lines, operation, code));
-            EXPECT_EQ(m_sink->m_calls, operation == kBuf ? row.calls : "");
-            EXPECT_EQ(m_sink->m_announced, m_sink->m_calls.size() > 1 ? 5u : 0u);
-            EXPECT_TRUE(code != kSuccess || Delivered(operation) == "12345") << row.lines << kNames[operation];
-        }
-    }
+        ExpectAll({Body(size)}, size > 400 ? kTooLarge : Codes());
+    for (size_t operation = 0; operation < kOperations; ++operation)
+        EXPECT_EQ(Run(operation, m_closed), kFailed[operation]);
     // The code of a row stands when the next one fails without one.
     m_server.Serve("/file", {Body(401)});
     EXPECT_EQ(Run(kStream, m_url, {.fails = "R", .first = 2, .size = 3}), kStreamTooLarge);
 }
 
-TEST_F(DownloadTest, NotReady) {
+TEST_F(Download, TellsTheSinkInOrderUntilItStops) {
+    const struct {
+        Codes codes;
+        const char* calls;
+        Faults faults = {};
+    } rows[] = {
+        {{}, "B5?D?C"},
+        {{}, "B5?DC", {.zeroAvailable = true}},
+        {{}, "B5?D?B5?D?C", {.fails = "R", .first = 2, .last = 2}},
+        {kFailed, "B5B5", {.fails = "A"}},
+        {kFailed, "B5?B5?", {.fails = "R"}},
+        {kCancelled, "B5?", {.sinkStops = 2}},
+        {kCancelled, "B5?D?", {.sinkStops = 4}},
+        {kRefused, "B5?D", {.sinkStops = 3}},
+        {kRefused, "B5", {.sinkThrows = 1}},
+        {kRefused, "B5?", {.sinkThrows = 2}},
+        {kRefused, "B5?D", {.sinkThrows = 3}},
+        {kRefused, "B5?D?C", {.sinkThrows = 5}},
+    };
+    for (const auto& row : rows)
+        ExpectAll({"12345"}, row.codes, row.faults, row.calls);
+}
+
+TEST_F(Download, NeedsAnInitialisedObjectAndItsArguments) {
     EXPECT_EQ(Call(kList, L"no slash"), kListNotReady);
-    EXPECT_EQ(Traced(L"no slash"), FailLine(kList, "@", kListNotReady));
-    for (const bool ready : {true, false}) {
-        for (size_t operation = 0; operation < kOperations; ++operation) {
-            const uint32_t code = kNotReady[operation];
-            EXPECT_EQ(Call(operation, ready ? nullptr : m_url.c_str()), code);
-            EXPECT_EQ(Call(operation, m_url.c_str(), /*output=*/!ready), code);
-            EXPECT_EQ(Traced(m_url), FailLine(operation, ready ? "" : "@", code) + FailLine(operation, "@", code));
-        }
-        m_update->Uninit();
-        TakeTraceLines();
+    for (size_t operation = 0; operation < kOperations; ++operation) {
+        EXPECT_EQ(Call(operation, nullptr), kNotReady[operation]);
+        EXPECT_EQ(Call(operation, m_url.c_str(), /*output=*/false), kNotReady[operation]);
     }
+    m_update->Uninit();
+    for (size_t operation = 0; operation < kOperations; ++operation)
+        EXPECT_EQ(Call(operation, m_url.c_str()), kNotReady[operation]);
     EXPECT_EQ(m_server.TakeRequests(), "");
 }
 
-TEST_F(DownloadTest, TheRowsAndTheirArguments) {
+TEST_F(Download, TriesTheRowsWithTheirArguments) {
     m_update->Uninit();
     TakeTraceLines();
-    g_faults = {.asyncRow = true, .tracesCalls = true, .proxy = L"127.0.0.1:9"};
+    g_faults = {.allRows = true};
     ASSERT_EQ(m_update->Init(), kSuccess);
     EXPECT_EQ(Traced(),
               "!InternetOpenW Microsoft Internet Explorer,0,(null),(null),0x10000000|"
@@ -230,13 +172,34 @@ TEST_F(DownloadTest, TheRowsAndTheirArguments) {
     // Row 0 answers "pending" here, and nobody listens at the proxy of row 1.
     EXPECT_EQ(Call(kFile, m_url.c_str()), kSuccess);
     const std::string request = "!InternetOpenUrlW (null),0,0xc0000002|";
-    EXPECT_EQ(Traced(m_url), request + Lines("0u", kFile, 0) + request + Lines("1U", kFile, 0) + request
-                                 + "!InternetSetFilePointer 2|" + Lines("S", kFile, 0) + "!InternetSetFilePointer 0|"
-                                 + Lines("2A+", kFile, 0));
+    EXPECT_EQ(Traced(m_url), request + "InternetOpenUrl fail,0,@,997|" + request + "InternetOpenUrl fail,1,@,12029|"
+                                 + request
+                                 + "!InternetSetFilePointer 2|InternetSetFilePointer ret 0x5,@,0|"
+                                   "!InternetSetFilePointer 0|InternetQueryDataAvailable success,2,@,5|"
+                                   "GetFileFromURL success,2,@|");
     EXPECT_EQ(Delivered(kFile), "12345");
 }
 
-TEST_F(DownloadTest, WhatStaysOfAnOlderFile) {
+TEST_F(Download, TracesEachKindOfEnd) {
+    const struct {
+        Operation operation;
+        Faults faults;
+        const char* lines;  // the last ones
+    } rows[] = {
+        {kFile, {.fails = "R"}, "|InternetReadFile fail,2,@,12031|GetFileFromURL fail,@,0x990001|"},
+        {kBuf, {}, "|GetFileFromURL success,1,@|"},  // names the other operation
+        {kBuf, {.sinkStops = 2}, "|GetFileBufFromURL fail,@,0x10e0005|"},
+        {kStream, {}, "|GetStreamFileInfo success,1,@|"},
+        {kStream, {.fails = "A"}, "|InternetQueryDataAvailable fail,2,@,12031|GetStreamFileInfo fail,@,0x1430001|"},
+        {kList, {.fails = "A"}, "|GetFileFromURL fail,@,0x990001|GetFileListFromURL fail,@,0x990001|"},
+    };
+    for (const auto& [operation, faults, lines] : rows) {
+        Run(operation, m_url, faults);
+        EXPECT_THAT(Traced(m_url), EndsWith(lines));
+    }
+}
+
+TEST_F(Download, KeepsAnOlderFileUntilDataCame) {
     for (const bool created : {false, true}) {
         m_folder.Write(L"file", "old");
         g_faults = {.fails = created ? "R" : "A"};
@@ -245,42 +208,20 @@ TEST_F(DownloadTest, WhatStaysOfAnOlderFile) {
     }
     m_folder.MakeFolder(L"file");
     g_faults = {};
-    TakeTraceLines();
     EXPECT_EQ(Call(kFile, m_url.c_str()), kFileFailed);
-    EXPECT_EQ(Traced(m_url), Lines("1SAC2SAC", kFile, kFileFailed));
+    EXPECT_THAT(Traced(m_url), EndsWith("|CreateFile fail,2,@,5|GetFileFromURL fail,@,0x990001|"));
 }
 
-TEST_F(DownloadTest, HandlesAndMemoryStayLevel) {
-    const Faults faults[] = {{}, {.fails = "R", .first = 2}, {.fails = "A"}, {.sinkStops = 2}, {.sinkStops = 3}};
-    const auto download = [&](size_t times) {
-        for (size_t number = 0; number < times; ++number)
-            Run(number % kOperations, number % kOperations == kList ? m_list : m_url, faults[number % 5]);
-        m_server.TakeRequests();
-        TakeTraceLines();
-        DWORD handles = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &handles);
-        return handles;
-    };
-    const DWORD handles = download(20);
-    const auto level = std::pair(alloc_guard::Live(), g_openHandles);
-    EXPECT_LE(download(200), handles + 5);
-    EXPECT_EQ(std::pair(alloc_guard::Live(), g_openHandles), level);
-}
-
-TEST_F(DownloadTest, TheLibrarysOneObjectAndTheSlots) {
+TEST_F(Download, TheLibrarysOneObjectAndTheSlots) {
     const HMODULE library = LoadLibraryW(L"Dregsweep.dll");
-    const FARPROC found = GetProcAddress(library, "GetInetFileProcImp");
-    ASSERT_TRUE(found);
-    const auto get = reinterpret_cast<IInternetFileProc* (*)()>(reinterpret_cast<void*>(found));
+    const auto get = reinterpret_cast<IInternetFileProc* (*)()>(
+        reinterpret_cast<void*>(GetProcAddress(library, "GetInetFileProcImp")));
+    ASSERT_TRUE(get);
     const IatPatch patch = Patch("GetModuleFileNameW", TellExecutable, library);
     IInternetFileProc* update = get();
-    EXPECT_EQ(update->AddRef(), 2u);
-    EXPECT_EQ(update->Release(), 1u);
-    EXPECT_EQ(get(), update);
+    EXPECT_TRUE(update->AddRef() == 2 && update->Release() == 1 && get() == update);
     EXPECT_EQ(update->Init(), kSuccess);
-    EXPECT_EQ(update->Release(), 1u);
-    EXPECT_EQ(static_cast<IEUObject*>(update)->Release(), 0u);
-    EXPECT_EQ(get(), update);
+    EXPECT_TRUE(update->Release() == 1 && static_cast<IEUObject*>(update)->Release() == 0 && get() == update);
     using Slot = uint32_t (*)(void*, const void*, uint64_t);
     const Slot* slots = *reinterpret_cast<Slot**>(update);
     EXPECT_EQ(slots[8](update, L"no slash", 0), kListNotReady);
@@ -291,6 +232,5 @@ TEST_F(DownloadTest, TheLibrarysOneObjectAndTheSlots) {
     slots = *reinterpret_cast<Slot**>(sink);
     for (const size_t slot : {0u, 1u, 2u, 3u})
         slots[slot](sink, "x", 1);
-    EXPECT_EQ(m_sink->m_calls, "B?DC");
-    EXPECT_EQ(m_sink->m_bytes, "x");
+    EXPECT_TRUE(m_sink->m_calls.ends_with("?DC") && m_sink->m_bytes == "x") << m_sink->m_calls;
 }

@@ -22,14 +22,14 @@ struct Faults {
     const char* fails = "";
     int first = 1;
     int last = 1 << 30;
-    bool asyncRow = false;           // lets row 0 open: its requests reach the server at times of their own
-    bool zeroAvailable = false;      // nothing is available at first
-    bool tracesCalls = false;        // puts the calls that open and seek among the trace lines
-    const wchar_t* proxy = nullptr;  // told by the proxy query
-    DWORD size = 0;                  // told by InternetSetFilePointer; 0 for the announced length
-    int sinkStops = 0;               // number of the sink's call that answers non-zero
-    int sinkThrows = 0;              // number of the one that throws
-    int calls = 0;                   // of the functions in `fails` so far
+    // Lets row 0 open, whose requests reach the server at times of their own, and row 1 through a proxy that nobody is;
+    // puts the calls that open and seek among the trace lines.
+    bool allRows = false;
+    bool zeroAvailable = false;  // nothing is available at first
+    DWORD size = 0;              // told by InternetSetFilePointer; 0 for the announced length
+    int sinkStops = 0;           // number of the sink's call that answers non-zero
+    int sinkThrows = 0;          // number of the one that throws
+    int calls = 0;               // of the functions in `fails` so far
 };
 inline Faults g_faults;
 inline std::wstring g_executable;  // told by GetModuleFileNameW
@@ -47,22 +47,23 @@ inline HINTERNET Count(HINTERNET opened) {
     return opened;
 }
 
-// The function itself, not its import slot, which leads to the replacement.
+// The function itself: its name is its import slot, which leads to the replacement. Looked up before any test, which
+// may have the look-up refuse.
 template <class Function>
 Function* Real(Function&, const char* name) {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"wininet.dll"), name);
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(found));
 }
-// Looked up once, or a test that replaces the look-up would be asked.
-#define REAL(function)                                       \
-    ([] {                                                    \
-        static auto* const real = Real(function, #function); \
-        return real;                                         \
-    }())
+inline const auto kOpenRoot = Real(InternetOpenW, "InternetOpenW");
+inline const auto kOpenRequest = Real(InternetOpenUrlW, "InternetOpenUrlW");
+inline const auto kCloseHandle = Real(InternetCloseHandle, "InternetCloseHandle");
+inline const auto kQueryOption = Real(InternetQueryOptionW, "InternetQueryOptionW");
+inline const auto kQueryAvailable = Real(InternetQueryDataAvailable, "InternetQueryDataAvailable");
+inline const auto kRead = Real(InternetReadFile, "InternetReadFile");
 
 // Stands in for a function that the platform of the tests lacks.
 inline DWORD WINAPI TellSize(HINTERNET request, LONG, PVOID, DWORD method, DWORD_PTR) {
-    if (g_faults.tracesCalls) DregsweepTrace(L"InternetSetFilePointer %u", method);
+    if (g_faults.allRows) DregsweepTrace(L"InternetSetFilePointer %u", method);
     DWORD length = 0;
     DWORD size = sizeof length;
     const DWORD query = HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER;
@@ -72,37 +73,37 @@ inline DWORD WINAPI TellSize(HINTERNET request, LONG, PVOID, DWORD method, DWORD
 }
 
 inline HINTERNET WINAPI OpenRootHandle(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags) {
-    if (g_faults.tracesCalls) DregsweepTrace(L"InternetOpenW %s,%u,%s,%s,0x%x", agent, access, proxy, bypass, flags);
-    if (Fails('O') || (flags == INTERNET_FLAG_ASYNC && !g_faults.asyncRow)) return nullptr;
-    return Count(REAL(InternetOpenW)(agent, access, proxy, bypass, flags));
+    if (g_faults.allRows) DregsweepTrace(L"InternetOpenW %s,%u,%s,%s,0x%x", agent, access, proxy, bypass, flags);
+    if (Fails('O') || (flags == INTERNET_FLAG_ASYNC && !g_faults.allRows)) return nullptr;
+    return Count(kOpenRoot(agent, access, proxy, bypass, flags));
 }
 
 inline HINTERNET WINAPI OpenRequest(HINTERNET root, LPCWSTR url, LPCWSTR head, DWORD size, DWORD flags, DWORD_PTR) {
-    if (g_faults.tracesCalls) DregsweepTrace(L"InternetOpenUrlW %s,%u,0x%x", head, size, flags);
-    return Count(REAL(InternetOpenUrlW)(root, url, head, size, flags, 0));
+    if (g_faults.allRows) DregsweepTrace(L"InternetOpenUrlW %s,%u,0x%x", head, size, flags);
+    return Count(kOpenRequest(root, url, head, size, flags, 0));
 }
 
 inline BOOL WINAPI CloseInternetHandle(HINTERNET handle) {
-    const BOOL closed = REAL(InternetCloseHandle)(handle);
+    const BOOL closed = kCloseHandle(handle);
     g_openHandles -= closed;
     return closed;
 }
 
 inline BOOL WINAPI QueryOption(HINTERNET handle, DWORD option, LPVOID buffer, LPDWORD length) {
     if (Fails('P')) return FALSE;
-    if (!g_faults.proxy) return REAL(InternetQueryOptionW)(handle, option, buffer, length);
-    *static_cast<INTERNET_PROXY_INFO*>(buffer) = {INTERNET_OPEN_TYPE_PROXY, g_faults.proxy, L"nowhere"};
+    if (!g_faults.allRows) return kQueryOption(handle, option, buffer, length);
+    *static_cast<INTERNET_PROXY_INFO*>(buffer) = {INTERNET_OPEN_TYPE_PROXY, L"127.0.0.1:9", L"nowhere"};
     return TRUE;
 }
 
 inline BOOL WINAPI QueryAvailable(HINTERNET request, LPDWORD available, DWORD flags, DWORD_PTR context) {
-    const BOOL result = !Fails('A') && REAL(InternetQueryDataAvailable)(request, available, flags, context);
+    const BOOL result = !Fails('A') && kQueryAvailable(request, available, flags, context);
     if (g_faults.zeroAvailable) *available = 0;
     return result;
 }
 
 inline BOOL WINAPI Read(HINTERNET request, LPVOID buffer, DWORD length, LPDWORD read) {
-    return !Fails('R') && REAL(InternetReadFile)(request, buffer, length, read);
+    return !Fails('R') && kRead(request, buffer, length, read);
 }
 
 inline DWORD WINAPI TellExecutable(HMODULE, LPWSTR buffer, DWORD size) {
