@@ -65,6 +65,7 @@ TEST_F(Rules, ReadNumbersAndLocations) {
         {"Path='ä' IsFolder='1' Iteration='1' LoopPath='0' UseShellBrowse='1'", L"1 1 ä|*"},
         {"Path='x' IsFolder='-2' Iteration='-2' LoopPath='2' UseShellBrowse='2' Filter=''", L"1 0 x|"},
         {"Path='x' Registry='t' GetByReg='u' IsFolder='a' Iteration='' FolderIndex='q'", L"2 0 x|"},
+        {"Path='x' IsFolder='4294967296' Iteration='1x' SelfExclude='0x1'", L"1 1 x|*"},
         {"Path='x' GetByReg='2'", L"1 0 x|*"},  // stands in for a missing "IsFolder"
         {"FolderEnvDir='DSW_BASE' Path='' IsFolder='1' UseShellBrowse='2'", L"3 0 " + m_folder.path() + L"|"},
         {"FolderEnvDir='DSW_BASE' Path='' IsFolder='1' UseShellBrowse='z'", L"1 0 " + m_folder.path() + L"|*"},

@@ -12,26 +12,19 @@ int WINAPI RefuseMapping(LPCWSTR, DWORD, LPCWSTR, int, LPWSTR, int, LPNLSVERSION
     return 0;
 }
 
-// Uninstall entries: of the machine, of the user.
 constexpr wchar_t kPath[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\UnInstall\\dswKey";
-using Entry = std::pair<HKEY, const wchar_t*>;
-const Entry kWide(HKEY_LOCAL_MACHINE, kPath), kUser(HKEY_CURRENT_USER, kPath);
 
 struct AppInfoManager : testing::Test {
     ~AppInfoManager() override {
-        for (const auto& [root, path] : {kWide, kUser})
-            RegDeleteKeyW(root, path);
+        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+            RegDeleteKeyW(root, kPath);
         // Or it would count as leaked.
         CAppInfoManager::ReleaseInstance();
     }
-    static void Set(const wchar_t* value, const std::wstring& text, const Entry& entry = kWide, DWORD type = REG_SZ,
-                    DWORD withoutBytes = 0) {
-        const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)) - withoutBytes;
-        EXPECT_EQ(RegSetKeyValueW(entry.first, entry.second, value, type, text.c_str(), bytes), ERROR_SUCCESS);
-    }
-    static void Add(const std::wstring& name, const std::wstring& version, const Entry& entry = kWide) {
-        Set(L"DisplayName", name, entry);
-        Set(L"DisplayVersion", version, entry);
+    static void Set(const wchar_t* value, const std::wstring& text, HKEY root = HKEY_LOCAL_MACHINE, DWORD type = REG_SZ,
+                    size_t withoutBytes = 0) {
+        const size_t bytes = (text.size() + 1) * sizeof(wchar_t) - withoutBytes;
+        EXPECT_EQ(RegSetKeyValueW(root, kPath, value, type, text.c_str(), static_cast<DWORD>(bytes)), ERROR_SUCCESS);
     }
     // The record in the list as it stands; with `load` the list is read anew before.
     static InstalledApp Lookup(std::wstring_view name, bool load = true) {
@@ -47,7 +40,8 @@ struct AppInfoManager : testing::Test {
 }  // namespace
 
 TEST_F(AppInfoManager, GivesTheRecordWithItsIconFile) {
-    Add(L"Dsw ÄPP", L"1.2 Beta");
+    Set(L"DisplayName", L"Dsw ÄPP");
+    Set(L"DisplayVersion", L"1.2 Beta");
     const std::pair<const wchar_t*, const wchar_t*> icons[] = {
         {L"C:\\Dsw\\App.EXE,-3", L"C:\\Dsw\\App.EXE"}, {L"a,b,1", L"a"}, {L",a,1", L",a,1"}, {L"a.exe", L"a.exe"}};
     for (const auto& [value, file] : icons) {
@@ -63,12 +57,13 @@ TEST_F(AppInfoManager, GivesTheRecordWithItsIconFile) {
 
 TEST_F(AppInfoManager, ReadsValuesOfAtMost260Bytes) {
     const std::wstring fits(129, L'n'), tooLong(130, L'm');
-    Add(fits, tooLong);
+    Set(L"DisplayName", fits);
+    Set(L"DisplayVersion", tooLong);
     EXPECT_EQ(Lookup(fits).displayName + Lookup(fits).displayVersion, fits);
     Set(L"DisplayName", tooLong);
     EXPECT_EQ(Lookup(tooLong).displayName, L"");
     // Whatever the type: without a terminator, with text behind one.
-    Set(L"DisplayName", tooLong, kWide, REG_BINARY, 2);
+    Set(L"DisplayName", tooLong, HKEY_LOCAL_MACHINE, REG_BINARY, 2);
     EXPECT_EQ(Lookup(tooLong).displayName, tooLong);
     Set(L"DisplayName", std::wstring(L"dsw\0tail", 8));
     EXPECT_EQ(Lookup(L"dsw").displayName, L"dsw");
@@ -76,10 +71,12 @@ TEST_F(AppInfoManager, ReadsValuesOfAtMost260Bytes) {
 
 TEST_F(AppInfoManager, FirstViewThatListsANameWinsUntilTheNextLoad) {
     const auto version = [](bool load) { return Lookup(L"dsw one", load).displayVersion; };
-    Add(L"DSW One", L"user", kUser);
+    Set(L"DisplayName", L"DSW One", HKEY_CURRENT_USER);
+    Set(L"DisplayVersion", L"user", HKEY_CURRENT_USER);
     EXPECT_EQ(version(false), L"");
     EXPECT_EQ(version(true), L"user");
-    Add(L"Dsw ONE", L"64");
+    Set(L"DisplayName", L"Dsw ONE");
+    Set(L"DisplayVersion", L"64");
     CAppInfoManager::GetInstance()->Load();
     EXPECT_EQ(version(false), L"user");
     EXPECT_EQ(version(true), L"64");

@@ -103,9 +103,8 @@ TEST_F(RealNamespace, OnlyTheRecycleBinIsEmptied) {
     const CShellItemProc bin(binList.get(), true, result), parsedBin(binList.get(), false, result),
         computer(computerList.get(), true, result);
     EXPECT_THAT(Recorder().Walk(bin), testing::AnyOf(L"one.tmp=3 two.tmp=5 ", L"two.tmp=5 one.tmp=3 "));
-    EXPECT_EQ(Recorder().Walk(parsedBin), L"");
-    EXPECT_FALSE(parsedBin.EmptyRecycleBin() || computer.EmptyRecycleBin());
-    EXPECT_FALSE(CShellItemProc(nullptr, true, result).EmptyRecycleBin());
+    EXPECT_FALSE(parsedBin.EmptyRecycleBin() || computer.EmptyRecycleBin()
+                 || CShellItemProc(nullptr, true, result).EmptyRecycleBin());
     EXPECT_NE(GetFileAttributesW(L"one.tmp"), INVALID_FILE_ATTRIBUTES);
     EXPECT_TRUE(bin.EmptyRecycleBin());
     EXPECT_EQ(GetFileAttributesW(L"one.tmp"), INVALID_FILE_ATTRIBUTES);

@@ -13,7 +13,6 @@
 #include <sstream>
 
 #include "sysservices/handle.h"
-#include "sysservices/xmlattribute.h"
 #include "sysservices/xmldepth.h"
 #include "tests/support/tempfolder.h"
 
@@ -94,23 +93,6 @@ TEST(XmlDocument, LoadsWhatCanBeParsedSafely) {
     const CHandle writer(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                      OPEN_EXISTING, 0, nullptr));
     EXPECT_TRUE(Loads(path)) << "somebody else may be writing to it";
-}
-
-TEST(XmlAttribute, ReadsTextAndIntegers) {
-    TiXmlDocument document;
-    document.Parse(
-        "<a text='\xE6\xB8\x85&amp;&#x7406;' empty='' n='-3' mixed='12x' hex='0x10' word='x' huge='9999999999'/>",
-        nullptr, TIXML_ENCODING_UTF8);
-    TiXmlElement& element = *document.RootElement();
-    CString text = L"before";
-    EXPECT_TRUE(!ReadText(element, "Text", text) && text == L"before");
-    EXPECT_TRUE(ReadText(element, "text", text) && text == L"清&理");
-    WriteText(element, "text", L"ä<\U0001F5D1");
-    EXPECT_TRUE(ReadText(element, "text", text) && text == L"ä<\U0001F5D1");
-    const std::pair<const char*, int32_t> rows[] = {{"n", -3},    {"mixed", 12}, {"hex", 0},         {"word", 7},
-                                                    {"empty", 7}, {"none", 7},   {"huge", INT32_MAX}};
-    for (const auto& [name, value] : rows)
-        EXPECT_EQ(ReadInteger(element, name, 7), value) << name;
 }
 
 TEST_F(XmlDepth, NeverFallsShortOfTinyXml) {

@@ -10,12 +10,12 @@ TEST(TreeLoad, KeepsWhatIsSaved) {
         bool loaded;
         const char* saved;
     } kCases[] = {
-        {"<A Name='Спам' CatagoryType='1' LargeIcon='7' Icon='i' SelState='2' ResID='k'><AppInfo Name='p' "
+        {"<A Name='Спам' CatagoryType='1' LargeIcon='9999999999' Icon='i' SelState='2' ResID='k'><AppInfo Name='p' "
          "LargeIcon='-8' "
          "Icon='i'><GarbageCatagory Name='g' CatagoryID='9'><GarbageInfo Path='x'/><XP><GarbageInfo Path='old'/></XP>"
          "<GarbageInfo/><GarbageInfo Path='y'/></GarbageCatagory></AppInfo><appinfo Name='q'/></A>",
          true,
-         "<T Name='Спам' CatagoryType='1' LargeIcon='7' Icon='i'><AppInfo Name='p' LargeIcon='-8' Icon='i'>"
+         "<T Name='Спам' CatagoryType='1' LargeIcon='2147483647' Icon='i'><AppInfo Name='p' LargeIcon='-8' Icon='i'>"
          "<GarbageCatagory Name='g'><GarbageInfo Path='x' IsFolder='0' FolderIndex='-1' /><GarbageInfo Path='y' "
          "IsFolder='0' FolderIndex='-1' /></GarbageCatagory></AppInfo></T>"},
         {"<A><AppInfo Name='p'/></A>", false,

@@ -1,12 +1,8 @@
 #include "dregsweep/dregsweep.h"
-#include "sysservices/privilegecontext.h"
 #include "tests/tree/treenode.h"
 
 class TreeVolume : public testing::Test {
 protected:
-    // An engine in upgrade mode sets this up for the life of the process.
-    static void SetUpTestSuite() { EnablePrivileges(RestoreContext()); }
-
     // "TOTAL SIZE/PENDING SIZE TOTAL COUNT/PENDING COUNT" of each level, bottom up; the engine last.
     std::vector<std::string> Totals() const {
         std::vector<std::string> all;
@@ -21,7 +17,7 @@ protected:
         "<A Name='A' SelState='2'><AppInfo Name='B'><GarbageCatagory Name='C'><GarbageInfo Path=''/></GarbageCatagory>"
         "</AppInfo></A>";
     const uint64_t m_hundred = 100, m_more = 300;
-    const CReference<CDregsweep> m_engine{new CDregsweep(/*upgradeMode=*/true)};
+    const CReference<CDregsweep> m_engine{new CDregsweep(/*upgradeMode=*/false)};
     const Category m_category{kTree, m_engine.get(), m_engine.get()};
 };
 
@@ -41,11 +37,4 @@ TEST_F(TreeVolume, GrowsAndShrinksAtEveryLevel) {
     EXPECT_THAT(Totals(), testing::ElementsAre("0/0 0/0", "100/0 1/0", wrapped, wrapped, wrapped));
     EXPECT_TRUE(m_category.App().Discard());
     EXPECT_THAT(Totals(), testing::ElementsAre("0/0 0/0", "0/0 0/0", "0/0 0/0", "0/0 1/1", "0/0 1/1"));
-}
-
-TEST_F(TreeVolume, QuestionsReachTheTop) {
-    m_engine->AddAllowedPath(L"C:\\Temp");
-    EXPECT_FALSE(m_category.Rule().QueryPathAllowed(L"C:\\", false));
-    EXPECT_TRUE(m_category.Rule().QueryUpgradeMode());
-    EXPECT_FALSE(Category(kTree).Rule().QueryUpgradeMode());
 }
