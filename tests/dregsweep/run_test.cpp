@@ -72,13 +72,13 @@ TEST(Run, StaysOnTheScaleWhenTheSelectionGrowsMeanwhile) {
                                    L"|"));
 }
 
-class RunTest : public testing::Test {
+class RunNotifications : public testing::Test {
 protected:
     const SmallJob m_job;
     const Engine m_engine = NewEngine(m_job);
 };
 
-TEST_F(RunTest, ClearsAndPreparesAlsoWhenNothingIsSelected) {
+TEST_F(RunNotifications, ClearsAndPreparesAlsoWhenNothingIsSelected) {
     RecordingHost host;
     EXPECT_TRUE(m_engine->Clean(nullptr) && m_job.HasRegistryValue()) << "nothing is marked yet";
     const CReference first(m_engine->GetFirstCategory());
@@ -101,7 +101,7 @@ TEST_F(RunTest, ClearsAndPreparesAlsoWhenNothingIsSelected) {
 }
 
 // At every notification of both runs, and at none of them. A host that throws has refused, too.
-TEST_F(RunTest, EndsAtTheNotificationThatTheHostRefuses) {
+TEST_F(RunNotifications, EndsAtTheNotificationThatTheHostRefuses) {
     std::set<std::wstring> traces;
     for (const bool inClean : {false, true}) {
         const Lines all = SmallJob::Expected(inClean);
@@ -135,7 +135,7 @@ TEST_F(RunTest, EndsAtTheNotificationThatTheHostRefuses) {
                                               L"[Dregsweep] ------ start" + clear, L"[Dregsweep] ------ end" + clear));
 }
 
-TEST_F(RunTest, MakesASecondThreadWait) {
+TEST_F(RunNotifications, MakesASecondThreadWait) {
     std::atomic<int> entered{0};
     RecordingHost second(m_job.folder.path(), [&](size_t) { return ++entered > 0; });
     std::thread runner;

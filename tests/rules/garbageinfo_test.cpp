@@ -50,7 +50,8 @@ TEST_F(Rules, ReadWhatTheyLookAt) {
         "Registry='1' RootKey='HKUR' Path='x' KeyPath='K' Filter='f' Iteration='1' IsFolder='1' FolderIndex='5' "
         "FolderEnvDir='E' LoopPath='1' UseShellBrowse='1' Value='A|b'",
         "", {L"scope 5 1 HKU\\K|f", L"scope 6 0 a|", L"scope 6 0 b|"});
-    ExpectLines("Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1'", "", {L"scope 5 8 HKLM\\none|"});
+    ExpectLines("Registry='1' RootKey='HKLM' KeyPath='none' DelKey='1' Iteration='1' Filter='f' Value='v'", "",
+                {L"scope 5 8 HKLM\\none|"});
     ExpectLines("Registry='1' KeyPath='K'", "", {});
 }
 

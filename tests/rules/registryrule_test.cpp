@@ -1,5 +1,7 @@
 #include "rules/registryrule.h"
 
+#include "rules/rootkeyname.h"
+
 #include "tests/rules/recordingrule.h"
 #include "tests/support/recordingexplanation.h"
 
