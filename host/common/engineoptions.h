@@ -16,7 +16,4 @@ struct EngineOptions {
     unsigned textRemedy = IDS_CHECK_PATH;
     std::vector<std::wstring> allowed;
     std::vector<SelectionStep> selection;
-    // Deselected behind these steps: every registry rule, and the applications that are not present.
-    bool noRegistry = false;
-    bool presentOnly = false;
 };

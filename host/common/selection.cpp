@@ -82,15 +82,6 @@ bool Matches(std::wstring_view path, std::wstring_view pattern) noexcept {
     return pattern.find_first_not_of(L'*', next) == kNone;
 }
 
-struct CIsRegistry final : IGarbageInfo::IExplanationVisitor {
-    bool OnScope(const GarbageScope* scope) override {
-        answer = scope->Kind == ScopeKey;
-        return false;
-    }
-    bool OnAction(const GarbageAction*) override { return false; }
-    bool answer = false;
-};
-
 }  // namespace
 
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
@@ -108,25 +99,6 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
         };
         if (!SetMatching(engine, kind != Kind::Deselect, matches)) throw CUsageError(Text(IDS_NO_MATCH, {pattern}));
     }
-}
-
-void DeselectRegistryRules(IDregsweep& engine) {
-    SetMatching(engine, false, [](auto& node) {
-        if constexpr (requires { node.Explain(nullptr); }) {
-            CIsRegistry visitor;
-            (void)node.Explain(&visitor);
-            return visitor.answer;
-        } else {
-            return false;
-        }
-    });
-}
-
-void DeselectAbsent(IDregsweep& engine) {
-    SetMatching(engine, false, [](auto& node) {
-        if constexpr (requires { node.IsAppPresent(); }) return !node.IsAppPresent();
-        return false;
-    });
 }
 
 bool IsAnythingSelected(IDregsweep& engine) {

@@ -22,9 +22,5 @@ class CNodePaths;
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
                     const CNodePaths& localised);
 
-// Leaves every registry rule out, or the applications that are not present, by the same operations.
-void DeselectRegistryRules(IDregsweep& engine);
-void DeselectAbsent(IDregsweep& engine);
-
 // A run finds nothing when nothing is selected.
 bool IsAnythingSelected(IDregsweep& engine);

@@ -4,6 +4,10 @@
 
 namespace {
 
+std::wstring Counted(uint64_t number, unsigned one, unsigned many) {
+    return Text(number == 1 ? one : many, {GroupedNumber(number)});
+}
+
 std::wstring ByteCount(uint64_t bytes) {
     return Counted(bytes, IDS_BYTES_ONE, IDS_BYTES_MANY);
 }
@@ -30,10 +34,6 @@ std::wstring ReadableSize(uint64_t bytes) {
 std::wstring FullSize(uint64_t bytes) {
     if (bytes < 1024) return ReadableSize(bytes);
     return Text(IDS_FULL_SIZE, {ReadableSize(bytes), ByteCount(bytes)});
-}
-
-std::wstring Counted(uint64_t number, unsigned one, unsigned many) {
-    return Text(number == 1 ? one : many, {GroupedNumber(number)});
 }
 
 std::wstring ItemCount(uint64_t items) {

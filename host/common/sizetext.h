@@ -9,7 +9,5 @@ std::wstring GroupedNumber(uint64_t number);
 std::wstring ReadableSize(uint64_t bytes);
 // A size to read and to count with: 3.1 MB (3,250,585 bytes).
 std::wstring FullSize(uint64_t bytes);
-// The text of the first id, for the number 1, or of the second, with the number in it.
-std::wstring Counted(uint64_t number, unsigned one, unsigned many);
 // 1 item, 2 items
 std::wstring ItemCount(uint64_t items);

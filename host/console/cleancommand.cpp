@@ -1,8 +1,3 @@
-#include <cwctype>
-#include <optional>
-#include <utility>
-
-#include "host/common/cleanaction.h"
 #include "host/common/hosterror.h"
 #include "host/common/sizetext.h"
 #include "host/common/texts.h"
@@ -18,10 +13,8 @@ struct CleanOptions : GatherOptions {
     bool dryRun = false;
 };
 
-bool UserAgrees(CConsole& console, const CCancel& cancel, const Amount& found, const CleanActions& actions) {
-    std::wstring what = ActionsText(found, actions);
-    what.front() = static_cast<wchar_t>(std::towupper(what.front()));
-    const auto answer = console.Ask(Text(IDS_DELETE_QUESTION, {what}), cancel);
+bool UserAgrees(CConsole& console, const CCancel& cancel) {
+    const auto answer = console.Ask(Text(IDS_DELETE_QUESTION), cancel);
     return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
 }
 
@@ -76,92 +69,41 @@ void PrintResult(COutput& out, const RunResult& result) {
                    FullSize(result.left.bytes), reasons}));
 }
 
-// A clean, from what it was shown to what became of it.
-class CCleanJob {
-public:
-    CCleanJob(const CleanOptions& options, CConsole& console)
-        : m_options(options),
-          m_console(console),
-          m_engine(options) {}
-
-    ExitStatus Run() {
-        if (const auto status = Show()) return *status;
-        if (const auto status = Agree()) return *status;
-        return Clean();
+// What is found is shown before the question. Nothing when the clean may begin.
+std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& options, CConsole& console,
+                                  const CCancel& cancel) {
+    // With --yes the list of what became of the items says the same as one of what was found.
+    const bool listItems = options.items && !options.json && (options.dryRun || !options.yes);
+    const ExitStatus status = Gather(engine, console, cancel, listItems);
+    const bool goOn = status == ExitStatus::Done && !options.dryRun;
+    const RunResult found = CollectResult(engine, nullptr, options.json && !goOn);
+    if (!options.json) {
+        PrintFound(console.out, found);
+    } else if (!goOn) {
+        PrintRunJson(console.out, "clean", status, /*cleaned=*/false, found);
     }
-
-private:
-    // Gathers, and shows what is found and what else a clean does. Nothing when there is something to clean.
-    std::optional<ExitStatus> Show() {
-        // With --yes the list of what became of the items says the same as one of what was found.
-        const bool listItems = m_options.items && !m_options.json && (m_options.dryRun || !m_options.yes);
-        const ExitStatus status = Gather(m_engine, m_console, m_cancel, listItems);
-        const bool goOn = status == ExitStatus::Done && !m_options.dryRun;
-        const RunResult result = CollectResult(m_engine, nullptr, m_options.json && !goOn);
-        m_found = result.found;
-        m_actions = CollectActions(m_engine);
-        if (!m_options.json)
-            PrintFound(m_console.out, result, m_actions, m_options.items || !m_options.yes);
-        else if (!goOn)
-            PrintRunJson(m_console.out, "clean", status, /*cleaned=*/false, result, m_actions);
-        if (m_options.dryRun && !m_options.json) m_console.out.Line(Text(IDS_DRY_RUN));
-        if (!goOn) return status;
-        return {};
-    }
-
-    // Asks until nothing has come up that was not shown. Nothing when the clean may begin.
-    std::optional<ExitStatus> Agree() {
-        while (!m_options.yes) {
-            if (ActionsText(m_found, m_actions).empty()) {
-                m_console.out.Line(Text(IDS_NOTHING_TO_DO));
-                return ExitStatus::Done;
-            }
-            if (!UserAgrees(m_console, m_cancel, m_found, m_actions)) {
-                m_console.Complain(Text(IDS_NOTHING_DELETED));
-                return ExitStatus::Stopped;
-            }
-            const CleanActions added = TakeNewActions();
-            if (added.empty()) return {};
-            PrintActions(m_console.out, Text(IDS_NEW_ACTIONS), added);
-        }
-        if (TakeNewActions().empty()) return {};
-        m_console.Complain(Text(IDS_NEW_ACTIONS_UNASKED));
-        return ExitStatus::Failed;
-    }
-
-    CleanActions TakeNewActions() {
-        CleanActions now = CollectActions(m_engine);
-        CleanActions added = NewActions(now, m_actions);
-        m_actions = std::move(now);
-        return added;
-    }
-
-    ExitStatus Clean() {
-        CRunView view(m_console, m_cancel, m_options.items && !m_options.json);
-        CRunObserver observer(*m_engine, view);
-        const ExitStatus status = view.Finish(observer.Run(&IDregsweep::Clean));
-        const RunResult result = CollectResult(m_engine, &observer, /*withItems=*/true);
-        SettleActions(m_actions, CollectActions(m_engine));
-        if (m_options.json) {
-            PrintRunJson(m_console.out, "clean", status, /*cleaned=*/true, result, m_actions);
-        } else {
-            PrintResult(m_console.out, result);
-            PrintActionsDone(m_console.out, m_actions);
-        }
-        return status;
-    }
-
-    const CleanOptions& m_options;
-    CConsole& m_console;
-    const CCancel m_cancel;
-    const CEngine m_engine;
-    Amount m_found;
-    CleanActions m_actions;
-};
+    if (options.dryRun && !options.json) console.out.Line(Text(IDS_DRY_RUN));
+    if (!goOn) return status;
+    if (options.yes || UserAgrees(console, cancel)) return {};
+    console.Complain(Text(IDS_NOTHING_DELETED));
+    return ExitStatus::Stopped;
+}
 
 ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
     if (options.json && !options.yes && !options.dryRun) throw CUsageError(Text(IDS_JSON_ASKS_NOTHING));
-    return CCleanJob(options, console).Run();
+    const CCancel cancel;
+    const CEngine engine(options);
+    if (const auto status = Prepare(engine, options, console, cancel)) return *status;
+    CRunView view(console, cancel, options.items && !options.json);
+    CRunObserver observer(*engine, view);
+    const ExitStatus status = view.Finish(observer.Run(&IDregsweep::Clean));
+    const RunResult result = CollectResult(engine, &observer, /*withItems=*/true);
+    if (options.json) {
+        PrintRunJson(console.out, "clean", status, /*cleaned=*/true, result);
+    } else {
+        PrintResult(console.out, result);
+    }
+    return status;
 }
 
 }  // namespace

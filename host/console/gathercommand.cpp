@@ -8,7 +8,7 @@
 void AddGatherOptions(CLI::App& command, GatherOptions& options) {
     if (!options.upgradeMode) AddFileOptions(command, options);
     AddScopeOptions(command, options);
-    command.add_flag("--items", options.items, "List every item under its category, and what else a clean would do");
+    command.add_flag("--items", options.items, "List every item under its category");
     command.add_flag("--json", options.json, "Print one JSON document, with every item, and nothing else");
 }
 
@@ -25,11 +25,10 @@ ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
     const CEngine engine(options);
     const ExitStatus status = Gather(engine, console, cancel, options.items && !options.json);
     const RunResult result = CollectResult(engine, nullptr, options.json);
-    const CleanActions actions = CollectActions(engine);
     if (options.json) {
-        PrintRunJson(console.out, "gather", status, /*cleaned=*/false, result, actions);
+        PrintRunJson(console.out, "gather", status, /*cleaned=*/false, result);
     } else {
-        PrintFound(console.out, result, actions, options.items);
+        PrintFound(console.out, result);
     }
     return status;
 }

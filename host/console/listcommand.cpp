@@ -8,25 +8,19 @@
 
 namespace {
 
-struct ListOptions : EngineOptions {
-    bool explain = false;
-};
-
-ExitStatus RunList(const ListOptions& options, CConsole& console) {
+ExitStatus RunList(const EngineOptions& options, CConsole& console) {
     const CEngine engine(options);
-    PrintTree(console.out, engine, options.explain);
+    PrintTree(console.out, engine);
     return ExitStatus::Done;
 }
 
 }  // namespace
 
 void AddListCommand(CLI::App& app, CommandAction& action) {
-    CLI::App* command =
-        app.add_subcommand("list", "Show the categories and applications of a rule file, and with --explain its rules");
-    const auto options = std::make_shared<ListOptions>();
+    CLI::App* command = app.add_subcommand("list", "Show the categories, applications and rules of a rule file");
+    const auto options = std::make_shared<EngineOptions>();
     AddFileOptions(*command, *options);
     AddScopeOptions(*command, *options);
-    command->add_flag("--explain", options->explain, "Show each rule as well, what it looks at and what it does");
     AddHelp(
         *command,
         "Behind each node stands its path, by the names of the rule file, for the selecting options of all commands.\n"

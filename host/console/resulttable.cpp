@@ -49,24 +49,7 @@ void PrintTable(COutput& out, std::wstring_view title, const RunResult& result, 
         PrintRow(out, nameColumns, row);
 }
 
-void PrintActions(COutput& out, std::wstring_view title, const CleanActions& actions) {
-    if (actions.empty()) return;
-    out.Line(title);
-    for (const CleanAction& action : actions)
-        out.Line(L"  " + ActionText(action));
-}
-
-void PrintFound(COutput& out, const RunResult& result, const CleanActions& actions, bool listActions) {
+void PrintFound(COutput& out, const RunResult& result) {
     PrintTable(out, Text(IDS_TITLE_FOUND), result, &RunResult::found);
     out.Line(Text(IDS_SUM_FOUND, {ItemCount(result.found.items), FullSize(result.found.bytes)}));
-    if (listActions) return PrintActions(out, Text(IDS_TITLE_ACTIONS), actions);
-    const std::wstring sum = ActionsText({}, actions);
-    if (!sum.empty()) out.Line(Text(IDS_TITLE_ACTIONS) + L' ' + sum + L'.');
-}
-
-void PrintActionsDone(COutput& out, const CleanActions& actions) {
-    constexpr unsigned kTexts[] = {IDS_ACTION_LEFT, IDS_ACTION_GONE, IDS_ACTION_LEFT, IDS_ACTION_DONE};
-    if (!actions.empty()) out.Line(Text(IDS_TITLE_ACTIONS_DONE));
-    for (const CleanAction& action : actions)
-        out.Line(L"  " + Text(kTexts[static_cast<size_t>(action.state)], {ActionText(action)}));
 }

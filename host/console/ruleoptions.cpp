@@ -1,6 +1,6 @@
 #include "host/console/ruleoptions.h"
-
 #include "host/common/texts.h"
+
 #include "sysservices/text.h"
 
 namespace {
@@ -55,10 +55,6 @@ void AddFileOptions(CLI::App& command, EngineOptions& options) {
 
 void AddScopeOptions(CLI::App& command, EngineOptions& options) {
     AddSelectionOptions(command, options.selection);
-    command.add_flag("--no-registry", options.noRegistry, "Leave all registry rules out, whatever is selected")
-        ->group(kGroup);
-    command.add_flag("--present-only", options.presentOnly, "Leave out what the tree shows as not present")
-        ->group(kGroup);
     command
         .add_option_function<std::string>(
             "--allow", [&options](const std::string& prefix) { options.allowed.push_back(Utf8ToWide(prefix)); },

@@ -27,23 +27,6 @@ Json ToJson(const ItemResult& item) {
     return json;
 }
 
-const char* NameOf(GarbageActionKind kind) noexcept {
-    constexpr const char* kNames[] = {"run procedure",      "delete key",        "delete value",
-                                      "delete shell items", "empty recycle bin", "leave shell folder"};
-    return kNames[kind - ActionProcedure];
-}
-
-Json ToJson(const CleanAction& action) {
-    constexpr const char* kStates[] = {"found", "gone", "left", "run"};
-    Json json = {{"kind", NameOf(action.kind)},
-                 {"target", WideToUtf8(action.target)},
-                 {"name", WideToUtf8(action.name)},
-                 {"path", WideToUtf8(action.path)},
-                 {"state", kStates[static_cast<size_t>(action.state)]}};
-    if (action.kind >= ActionShellItems && action.amount.items != kGarbageUnknown) json.update(ToJson(action.amount));
-    return json;
-}
-
 void AddAmounts(Json& json, const RunResult& result) {
     json["found"] = ToJson(result.found);
     json["deleted"] = ToJson(result.deleted);
@@ -64,16 +47,12 @@ Json ToJson(const RunResult& result, const char* const* levels) {
 
 }  // namespace
 
-void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cleaned, const RunResult& result,
-                  const CleanActions& actions) {
+void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cleaned, const RunResult& result) {
     constexpr const char* kLevels[] = {"applications", "garbageCategories", "items"};
     Json json = {{"command", command}, {"outcome", Outcome(status)}, {"cleaned", cleaned}};
     AddAmounts(json, result);
     Json& categories = json["categories"] = Json::array();
     for (const RunResult& category : result.children)
         categories.push_back(ToJson(category, kLevels));
-    Json& list = json["actions"] = Json::array();
-    for (const CleanAction& action : actions)
-        list.push_back(ToJson(action));
     out.Write(Utf8ToWide(json.dump(2) + '\n'));
 }

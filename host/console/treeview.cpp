@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/common/ruletext.h"
 #include "host/common/texts.h"
 #include "host/common/treewalk.h"
 #include "host/console/columns.h"
@@ -29,30 +28,17 @@ std::wstring Label(IGarbageInfo& /*rule*/, const std::wstring& path) {
     return Text(IDS_RULE_NUMBER, {path.substr(path.rfind(L'/') + 1)});
 }
 
-constexpr size_t kNamedLevels = 3;
-
-struct Row {
-    std::wstring label;
-    std::wstring path;  // empty: a line about the rule above
-};
-
 }  // namespace
 
-void PrintTree(COutput& out, const CEngine& engine, bool explain) {
-    std::vector<Row> rows;
+void PrintTree(COutput& out, const CEngine& engine) {
+    std::vector<std::pair<std::wstring, std::wstring>> rows;
+    size_t columns = 0;
     WalkTree(*engine, [&](auto& node, size_t depth) {
         const std::wstring& path = engine.Paths().Of(node);
-        const std::wstring indent(depth * 4, L' ');
-        rows.push_back({indent + CheckBox(node.GetState()) + Label(node, path), path});
-        if constexpr (requires { RuleText(node); }) {
-            for (const std::wstring& line : RuleText(node))
-                rows.push_back({indent + L"        " + line, {}});
-        }
-        return explain || depth < kNamedLevels - 1;
+        rows.emplace_back(std::wstring(depth * 4, L' ') + CheckBox(node.GetState()) + Label(node, path), path);
+        columns = std::max(columns, Columns(rows.back().first));
+        return true;
     });
-    size_t columns = 0;
-    for (const Row& row : rows)
-        if (!row.path.empty()) columns = std::max(columns, Columns(row.label));
-    for (const Row& row : rows)
-        out.Line(row.path.empty() ? row.label : PadRight(row.label, columns) + L"  " + row.path);
+    for (const auto& [label, path] : rows)
+        out.Line(PadRight(label, columns) + L"  " + path);
 }

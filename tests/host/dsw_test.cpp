@@ -7,7 +7,6 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "host/common/cleanaction.h"
 #include "host/common/engine.h"
 #include "host/common/hosterror.h"
 #include "host/console/command.h"
@@ -126,15 +125,12 @@ TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
               "[-] Σύστημα                  Système\n"
               "    [x] Da (present)         Système/Da\n"
               "        [x] 临时文件         Système/Da/临时文件\n"
+              "            [x] rule 1       Système/Da/临时文件/1\n"
+              "            [ ] rule 2       Système/Da/临时文件/2\n"
               "    [ ] Fort (not present)   Système/Fort\n"
               "        [x] */<U+001B>Again  Système/Fort/--<U+001B>Again\n"
+              "            [x] rule 1       Système/Fort/--<U+001B>Again/1\n"
               "        [x] ?/<U+001B>again  Système/Fort/--<U+001B>again#2\n");
-    EXPECT_EQ(Run(list + L"--explain"), 0U) << m_err;
-    EXPECT_THAT(m_out, HasSubstr("            [x] rule 1       Système/Da/临时文件/1\n"
-                                 "                    files * in "
-                                 + WideToUtf8(m_folder / L"junk")
-                                 + ", and below\n"
-                                   "            [ ] rule 2       Système/Da/临时文件/2\n"));
     // The boxes of the lines above. What is off comes on only when it is named; an absent application stays selected.
     const std::pair<const wchar_t*, const char*> rows[] = {
         {L"--all --deselect */da", "-    xxxx"},
@@ -146,7 +142,7 @@ TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
         {L"--deselect */临时文件/1 --only *#2 --only */1", "---x xxxx"},
     };
     for (const auto& [options, expected] : rows) {
-        EXPECT_EQ(Run(list + L"--explain " + options), 0U) << m_err;
+        EXPECT_EQ(Run(list + options), 0U) << m_err;
         std::string boxes;
         for (size_t at = 0; (at = m_out.find('[', at)) != m_out.npos; ++at)
             boxes += m_out[at + 1];
@@ -204,51 +200,6 @@ TEST_F(Dsw, CleansOnlyAfterYesAndCountsOnlyWhatIsGone) {
                         "not deleted: 22 items, 106 bytes: 1 in use, 21 refused.\n")));
 }
 
-TEST_F(Dsw, ShowsAndAsksForAllThatACleanDoesBesideItems) {
-    const std::wstring key = L"Software\\DswActions" + std::to_wstring(GetCurrentProcessId());
-    const auto has = [&](const wchar_t* value) {
-        return !RegGetValueW(HKEY_CURRENT_USER, key.c_str(), value, RRF_RT_ANY, nullptr, nullptr, nullptr);
-    };
-    for (const wchar_t* value : {L"a", L"kept"})
-        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), value, REG_SZ, L"x", 4);
-    RegSetKeyValueW(HKEY_CURRENT_USER, (key + L"\\Sub\\Below").c_str(), L"v", REG_SZ, L"x", 4);
-    const std::string rule = R"(<GarbageInfo Registry="1" RootKey="HKCU" KeyPath=")" + WideToUtf8(key);
-    const std::wstring options = L" --rules \""
-                                 + m_folder.Write(L"r.xml", R"(<R><AppCategoryInfo Name="C" SelState="2">
-        <AppInfo Name="A"><GarbageCatagory Name="G">)" + rule + R"(" Value="a|none"/>)"
-                                                                + rule + R"(" Value="A"/>)" + rule
-                                                                + R"(\Sub" DelKey="1"/>
-        </GarbageCatagory></AppInfo></AppCategoryInfo></R>)")
-                                 + L"\" ";
-    EXPECT_EQ(Run(L"gather" + options), 0U) << m_err;
-    EXPECT_THAT(m_out, HasSubstr("A clean will also: delete 1 registry value and 1 key.\n"));
-    for (const wchar_t* scope : {L"--no-registry", L"--present-only"}) {
-        EXPECT_EQ(Run(L"clean" + options + scope), 0U) << m_err;
-        EXPECT_THAT(m_out, HasSubstr("Nothing to do.\n"));
-    }
-    EXPECT_EQ(Run(L"clean" + options, "n"), 3U);
-    EXPECT_THAT(m_out, HasSubstr("Delete 1 registry value and 1 key? [y/N] "));
-    EXPECT_TRUE(has(L"a"));
-
-    EXPECT_EQ(Run(L"clean --json --yes" + options), 0U) << m_err;
-    std::string states;
-    const auto document = nlohmann::json::parse(m_out);
-    for (const auto& action : document["actions"])
-        states += action["kind"].get<std::string>() + ' ' + action["name"].get<std::string>() + ' '
-                  + action["state"].get<std::string>() + ';';
-    EXPECT_EQ(states, "delete value a gone;delete key  left;");
-    EXPECT_TRUE(!has(L"a") && has(L"kept"));
-    RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
-}
-
-TEST(CleanActions, ThatCameUpOrGrewAreNew) {
-    const CleanAction bin = {ActionEmptyBin, L"", L"", {2, 2}, L"", L"bin"},
-                      full = {ActionEmptyBin, L"", L"", {3, 2}, L"", L"bin"},
-                      value = {ActionDeleteValue, L"K", L"a", {}, L"", L"value"};
-    EXPECT_TRUE(NewActions({bin, value}, {value, full}).empty());
-    EXPECT_EQ(NewActions({full, value}, {bin}).size(), 2U);
-}
-
 TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
     m_folder.Write(L"junk\\a", std::string(1500, 'x'));
     m_folder.Write(L"junk\\ünter\\日本\x202E.tmp", "123");
@@ -275,7 +226,7 @@ TEST_F(Dsw, ReportsAsDeletedExactlyWhatVanished) {
         EXPECT_EQ(GetFileAttributesW(Utf8ToWide(path).c_str()) == INVALID_FILE_ATTRIBUTES, became[0] == 'd') << path;
     const std::string amounts =
         R"("deleted":{"bytes":1503,"count":3},"found":{"bytes":3015,"count":9},"left":{"bytes":1512,"count":6})";
-    EXPECT_EQ(json.dump(), R"({"actions":[],"categories":[{"applications":["临时文件","*/\u001bAgain"],)" + amounts
+    EXPECT_EQ(json.dump(), R"({"categories":[{"applications":["临时文件","*/\u001bAgain"],)" + amounts
                                + R"(,"name":"Système","path":"Système"}],"cleaned":true,"command":"clean",)" + amounts
                                + R"(,"outcome":"done"})");
 }
