@@ -21,8 +21,9 @@ private:
 
 class CCollector {
 public:
-    CCollector(const CEngine& engine, CRunObserver* clean, bool withItems) noexcept
+    CCollector(const CEngine& engine, const CWorkList& work, CRunObserver* clean, bool withItems) noexcept
         : m_paths(engine.Paths()),
+          m_work(work),
           m_clean(clean),
           m_withItems(withItems) {}
 
@@ -42,7 +43,7 @@ private:
         child.name = node.GetInfo()->NameText;
         child.path = m_paths.Of(node);
         Fill(child, node);
-        if (child.found.items == 0) return;
+        if (child.found.items == 0 && child.found.actions == 0) return;
         result.found += child.found;
         result.deleted += child.deleted;
         result.left += child.left;
@@ -58,12 +59,19 @@ private:
         // The engine's own count is what was found less what was reported as deleted.
         result.left = {category.GetTotalCount(), category.GetTotalSize()};
         if (m_clean) AddReported(result, category);
+        AddActions(result, category);
         result.found = result.left;
         result.found += result.deleted;
         if (!m_withItems) return;
         CItemCollector rest(result.items, m_clean ? ItemState::NotTried : ItemState::Found);
         for (const auto& rule : Children(category))
             rule->EnumFound(&rest);
+    }
+
+    void AddActions(RunResult& result, IGarbageCatagory& category) const {
+        result.actions = m_work.ActionsOf(category);
+        for (const Action& action : result.actions)
+            if (action.IsWork()) ++(action.IsDone() ? result.deleted : result.left).actions;
     }
 
     void AddReported(RunResult& result, IGarbageCatagory& category) const {
@@ -74,14 +82,15 @@ private:
     }
 
     const CNodePaths& m_paths;
+    const CWorkList& m_work;
     CRunObserver* const m_clean;
     const bool m_withItems;
 };
 
 }  // namespace
 
-RunResult CollectResult(const CEngine& engine, CRunObserver* clean, bool withItems) {
+RunResult CollectResult(const CEngine& engine, const CWorkList& work, CRunObserver* clean, bool withItems) {
     RunResult result;
-    CCollector(engine, clean, withItems).AddChildren(result, *engine);
+    CCollector(engine, work, clean, withItems).AddChildren(result, *engine);
     return result;
 }

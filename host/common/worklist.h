@@ -12,6 +12,8 @@
 // folder that hold nothing are left out.
 class CWorkList {
 public:
+    // Nothing at all.
+    CWorkList() = default;
     // Asks the selected rules. Throws CHostError when one of them cannot tell all.
     explicit CWorkList(IDregsweep& engine);
 

@@ -1,4 +1,6 @@
+#include "host/common/actiontext.h"
 #include "host/common/hosterror.h"
+#include "host/common/printable.h"
 #include "host/common/sizetext.h"
 #include "host/common/texts.h"
 #include "host/console/gathercommand.h"
@@ -12,11 +14,6 @@ struct CleanOptions : GatherOptions {
     bool yes = false;
     bool dryRun = false;
 };
-
-bool UserAgrees(CConsole& console, const CCancel& cancel) {
-    const auto answer = console.Ask(Text(IDS_DELETE_QUESTION), cancel);
-    return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
-}
 
 // Adds the paths of the items in that state, of this node and those below, to `paths`, and returns how many items they
 // stand for.
@@ -57,53 +54,139 @@ std::wstring PrintNotDeleted(COutput& out, const RunResult& result, const Headli
 
 void PrintResult(COutput& out, const RunResult& result) {
     PrintTable(out, Text(IDS_TITLE_DELETED), result, &RunResult::deleted);
-    if (result.left.items != 0) PrintTable(out, Text(IDS_TITLE_NOT_DELETED), result, &RunResult::left);
+    if (result.left.items + result.left.actions != 0)
+        PrintTable(out, Text(IDS_TITLE_NOT_DELETED), result, &RunResult::left);
     std::wstring reasons;
     for (const Headline& headline : kNotDeleted) {
         const std::wstring reason = PrintNotDeleted(out, result, headline);
         if (!reason.empty() && !reasons.empty()) reasons += Text(IDS_LIST_SEPARATOR);
         reasons += reason;
     }
+    if (result.found.actions != 0) out.Line(Text(IDS_ACTIONS_BECAME));
+    PrintActions(out, result);
     out.Line(Text(reasons.empty() ? IDS_SUM_FREED : IDS_SUM_FREED_WITH_REASONS,
                   {FullSize(result.deleted.bytes), ItemCount(result.deleted.items), ItemCount(result.left.items),
                    FullSize(result.left.bytes), reasons}));
 }
 
-// What is found is shown before the question. Nothing when the clean may begin.
-std::optional<ExitStatus> Prepare(const CEngine& engine, const CleanOptions& options, CConsole& console,
-                                  const CCancel& cancel) {
+std::wstring Capitalised(std::wstring text) {
+    if (!text.empty()) CharUpperBuffW(text.data(), 1);
+    return text;
+}
+
+uint64_t LessBy(uint64_t number, uint64_t part) noexcept {
+    return number > part ? number - part : 0;
+}
+
+// One gather, what it found shown, and the clean when that was agreed to.
+class CCleanJob {
+public:
+    CCleanJob(const CleanOptions& options, CConsole& console)
+        : m_options(options),
+          m_console(console),
+          m_engine(options) {}
+
+    ExitStatus Run();
+
+private:
+    // What a clean would do, as the question names it; empty when there is nothing to do.
+    std::wstring Work() const;
+    void ShowFound(bool listItems);
+    bool UserAgrees();
+    // Puts the question, once more when something came up meanwhile. Nothing when the clean may begin.
+    std::optional<ExitStatus> Agree();
+    void TellNew();
+    ExitStatus Clean();
+    // Ends the job with nothing deleted.
+    ExitStatus Leave(ExitStatus status);
+
+    const CleanOptions& m_options;
+    CConsole& m_console;
+    const CCancel m_cancel;
+    const CEngine m_engine;
+    CWorkList m_work;  // as it was shown
+};
+
+ExitStatus CCleanJob::Run() {
     // With --yes the list of what became of the items says the same as one of what was found.
-    const bool listItems = options.items && !options.json && (options.dryRun || !options.yes);
-    const ExitStatus status = Gather(engine, console, cancel, listItems);
-    const bool goOn = status == ExitStatus::Done && !options.dryRun;
-    const RunResult found = CollectResult(engine, nullptr, options.json && !goOn);
-    if (!options.json) {
-        PrintFound(console.out, found);
-    } else if (!goOn) {
-        PrintRunJson(console.out, "clean", status, /*cleaned=*/false, found);
+    const bool listItems = m_options.items && !m_options.json && (m_options.dryRun || !m_options.yes);
+    const ExitStatus status = Gather(m_engine, m_console, m_cancel, listItems);
+    m_work = CWorkList(*m_engine);
+    if (!m_options.json) ShowFound(listItems);
+    if (status != ExitStatus::Done || m_options.dryRun || Work().empty()) return Leave(status);
+    if (const auto disagreed = Agree()) return Leave(*disagreed);
+    return Clean();
+}
+
+std::wstring CCleanJob::Work() const {
+    const Amount& apart = m_work.FoundApart();
+    return WorkText({LessBy(m_engine->GetTotalCount(), apart.items), LessBy(m_engine->GetTotalSize(), apart.bytes)},
+                    m_work.Actions());
+}
+
+void CCleanJob::ShowFound(bool listItems) {
+    PrintFound(m_console.out, CollectResult(m_engine, m_work, nullptr, /*withItems=*/false), m_work, listItems);
+    if (m_options.dryRun)
+        m_console.out.Line(Text(IDS_DRY_RUN));
+    else if (Work().empty())
+        m_console.out.Line(Text(IDS_NOTHING_TO_DO));
+}
+
+bool CCleanJob::UserAgrees() {
+    const auto answer = m_console.Ask(Printable(Text(IDS_CLEAN_QUESTION, {Capitalised(Work())})), m_cancel);
+    return answer && (ToLower(*answer) == L"y" || ToLower(*answer) == L"yes");
+}
+
+std::optional<ExitStatus> CCleanJob::Agree() {
+    for (;;) {
+        if (!m_options.yes && !UserAgrees()) {
+            m_console.Complain(Text(IDS_NOTHING_DELETED));
+            return ExitStatus::Stopped;
+        }
+        CWorkList now(*m_engine);
+        if (!now.MarkNew(m_work)) return {};
+        m_work = std::move(now);
+        TellNew();
+        if (m_options.yes) return ExitStatus::Failed;
     }
-    if (options.dryRun && !options.json) console.out.Line(Text(IDS_DRY_RUN));
-    if (!goOn) return status;
-    if (options.yes || UserAgrees(console, cancel)) return {};
-    console.Complain(Text(IDS_NOTHING_DELETED));
-    return ExitStatus::Stopped;
+}
+
+void CCleanJob::TellNew() {
+    std::vector<Action> actions = m_work.Actions();
+    std::erase_if(actions, [](const Action& action) { return action.state != ActionState::New; });
+    if (!m_options.json) {
+        m_console.out.Line(Text(IDS_NEW_WORK));
+        for (const Action& action : actions)
+            m_console.out.Line(L"    " + ActionText(action));
+    }
+    if (m_options.yes) m_console.Complain(Text(IDS_NEW_WORK_UNASKED, {WorkText({}, actions)}));
+}
+
+ExitStatus CCleanJob::Clean() {
+    CRunView view(m_console, m_cancel, m_options.items && !m_options.json);
+    CRunObserver observer(*m_engine, view);
+    const ExitStatus status = view.Finish(observer.Run(&IDregsweep::Clean));
+    m_work.Settle(CWorkList(*m_engine));
+    const RunResult result = CollectResult(m_engine, m_work, &observer, /*withItems=*/true);
+    if (m_options.json) {
+        PrintRunJson(m_console.out, "clean", status, /*cleaned=*/true, result);
+    } else {
+        PrintResult(m_console.out, result);
+    }
+    return status;
+}
+
+ExitStatus CCleanJob::Leave(ExitStatus status) {
+    if (m_options.json) {
+        const RunResult found = CollectResult(m_engine, m_work, nullptr, /*withItems=*/true);
+        PrintRunJson(m_console.out, "clean", status, /*cleaned=*/false, found);
+    }
+    return status;
 }
 
 ExitStatus RunClean(const CleanOptions& options, CConsole& console) {
     if (options.json && !options.yes && !options.dryRun) throw CUsageError(Text(IDS_JSON_ASKS_NOTHING));
-    const CCancel cancel;
-    const CEngine engine(options);
-    if (const auto status = Prepare(engine, options, console, cancel)) return *status;
-    CRunView view(console, cancel, options.items && !options.json);
-    CRunObserver observer(*engine, view);
-    const ExitStatus status = view.Finish(observer.Run(&IDregsweep::Clean));
-    const RunResult result = CollectResult(engine, &observer, /*withItems=*/true);
-    if (options.json) {
-        PrintRunJson(console.out, "clean", status, /*cleaned=*/true, result);
-    } else {
-        PrintResult(console.out, result);
-    }
-    return status;
+    return CCleanJob(options, console).Run();
 }
 
 }  // namespace

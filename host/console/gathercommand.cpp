@@ -8,7 +8,7 @@
 void AddGatherOptions(CLI::App& command, GatherOptions& options) {
     if (!options.upgradeMode) AddFileOptions(command, options);
     AddScopeOptions(command, options);
-    command.add_flag("--items", options.items, "List every item under its category");
+    command.add_flag("--items", options.items, "List every item, and what a clean would do beside, under its category");
     command.add_flag("--json", options.json, "Print one JSON document, with every item, and nothing else");
 }
 
@@ -23,12 +23,14 @@ namespace {
 ExitStatus RunGather(const GatherOptions& options, CConsole& console) {
     const CCancel cancel;
     const CEngine engine(options);
-    const ExitStatus status = Gather(engine, console, cancel, options.items && !options.json);
-    const RunResult result = CollectResult(engine, nullptr, options.json);
+    const bool listItems = options.items && !options.json;
+    const ExitStatus status = Gather(engine, console, cancel, listItems);
+    const CWorkList work(*engine);
+    const RunResult result = CollectResult(engine, work, nullptr, options.json);
     if (options.json) {
         PrintRunJson(console.out, "gather", status, /*cleaned=*/false, result);
     } else {
-        PrintFound(console.out, result);
+        PrintFound(console.out, result, work, listItems);
     }
     return status;
 }

@@ -1,10 +1,8 @@
 #include "host/console/runjson.h"
 
-#include <nlohmann/json.hpp>
+#include "host/console/detailjson.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 const char* Outcome(ExitStatus status) noexcept {
     if (status == ExitStatus::Done) return "done";
@@ -33,7 +31,8 @@ void AddAmounts(Json& json, const RunResult& result) {
     json["left"] = ToJson(result.left);
 }
 
-// `levels` are the names of the lists of children, the next one first; the items are on the lowest level.
+// `levels` are the names of the lists of children, the next one first; the items are on the lowest level, the actions
+// beside them.
 Json ToJson(const RunResult& result, const char* const* levels) {
     Json json = {{"name", WideToUtf8(result.name)}, {"path", WideToUtf8(result.path)}};
     AddAmounts(json, result);
@@ -42,13 +41,17 @@ Json ToJson(const RunResult& result, const char* const* levels) {
         list.push_back(ToJson(child, levels + 1));
     for (const ItemResult& item : result.items)
         list.push_back(ToJson(item));
+    if (levels[1]) return json;
+    Json& actions = json["actions"] = Json::array();
+    for (const Action& action : result.actions)
+        actions.push_back(ToJson(action));
     return json;
 }
 
 }  // namespace
 
 void PrintRunJson(COutput& out, const char* command, ExitStatus status, bool cleaned, const RunResult& result) {
-    constexpr const char* kLevels[] = {"applications", "garbageCategories", "items"};
+    constexpr const char* kLevels[] = {"applications", "garbageCategories", "items", nullptr};
     Json json = {{"command", command}, {"outcome", Outcome(status)}, {"cleaned", cleaned}};
     AddAmounts(json, result);
     Json& categories = json["categories"] = Json::array();
