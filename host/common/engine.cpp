@@ -86,4 +86,6 @@ CEngine::CEngine(const EngineOptions& options) {
     for (const std::wstring& prefix : options.allowed)
         m_engine->AddAllowedPath(prefix.c_str());
     ApplySelection(*m_engine, options.selection, Paths(), CNodePaths(*m_engine));
+    if (options.noRegistry) DeselectRegistryRules(*m_engine);
+    if (options.presentOnly) DeselectAbsent(*m_engine);
 }

@@ -16,4 +16,6 @@ struct EngineOptions {
     unsigned textRemedy = IDS_CHECK_PATH;
     std::vector<std::wstring> allowed;
     std::vector<SelectionStep> selection;
+    bool noRegistry = false;   // deselect the registry rules, whatever the steps say
+    bool presentOnly = false;  // likewise the applications that are not present
 };

@@ -1,9 +1,11 @@
 #include "host/common/selection.h"
 
+#include <type_traits>
 #include <utility>
 
 #include "host/common/hosterror.h"
 #include "host/common/nodepaths.h"
+#include "host/common/ruledetails.h"
 #include "host/common/texts.h"
 #include "host/common/treewalk.h"
 
@@ -99,6 +101,24 @@ void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps,
         };
         if (!SetMatching(engine, kind != Kind::Deselect, matches)) throw CUsageError(Text(IDS_NO_MATCH, {pattern}));
     }
+}
+
+void DeselectRegistryRules(IDregsweep& engine) {
+    SetMatching(engine, /*selected=*/false, [](auto& node) {
+        if constexpr (std::is_same_v<decltype(node), IGarbageInfo&>)
+            return IsRegistryRule(node);
+        else
+            return false;
+    });
+}
+
+void DeselectAbsent(IDregsweep& engine) {
+    SetMatching(engine, /*selected=*/false, [](auto& node) {
+        if constexpr (std::is_same_v<decltype(node), IAppGarbageInfo&>)
+            return !node.IsAppPresent();
+        else
+            return false;
+    });
 }
 
 bool IsAnythingSelected(IDregsweep& engine) {

@@ -22,5 +22,9 @@ class CNodePaths;
 void ApplySelection(IDregsweep& engine, const std::vector<SelectionStep>& steps, const CNodePaths& original,
                     const CNodePaths& localised);
 
+// Deselect every rule that removes registry values or a key, and every application that is not present.
+void DeselectRegistryRules(IDregsweep& engine);
+void DeselectAbsent(IDregsweep& engine);
+
 // A run finds nothing when nothing is selected.
 bool IsAnythingSelected(IDregsweep& engine);

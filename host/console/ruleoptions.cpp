@@ -55,6 +55,8 @@ void AddFileOptions(CLI::App& command, EngineOptions& options) {
 
 void AddScopeOptions(CLI::App& command, EngineOptions& options) {
     AddSelectionOptions(command, options.selection);
+    command.add_flag("--no-registry", options.noRegistry, "Leave out all registry rules, whatever is selected");
+    command.add_flag("--present-only", options.presentOnly, "Leave out applications that are not present, likewise");
     command
         .add_option_function<std::string>(
             "--allow", [&options](const std::string& prefix) { options.allowed.push_back(Utf8ToWide(prefix)); },

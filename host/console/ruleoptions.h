@@ -8,6 +8,6 @@
 
 // Adds --rules and --text.
 void AddFileOptions(CLI::App& command, EngineOptions& options);
-// Adds --allow, and --all, --none, --only, --select and --deselect, which append their steps in the order of the
-// command line.
+// Adds --allow, --no-registry, --present-only, and --all, --none, --only, --select and --deselect, which append their
+// steps in the order of the command line.
 void AddScopeOptions(CLI::App& command, EngineOptions& options);
