@@ -27,6 +27,25 @@ const char* NameOf(ActionState state) noexcept {
     return kNames[static_cast<size_t>(state)];
 }
 
+const char* KindOf(const Scope& scope) noexcept {
+    // In the order of GarbageScopeKind.
+    constexpr const char* kKinds[] = {"unknown", "folder", "file", "shell items", "shell folder", "key",
+                                      "value",   "step",   "end",  "kept files",  "kept folder"};
+    return kKinds[scope.kind < std::size(kKinds) ? scope.kind : 0];
+}
+
+Json ToJson(const Scope& scope) {
+    constexpr std::pair<GarbageScopeFlags, const char*> kFlags[] = {
+        {ScopeBelow, "below"}, {ScopeNotItself, "not itself"}, {ScopeExact, "exact"}, {ScopeDeletesKey, "deletes key"}};
+    Json flags = Json::array();
+    for (const auto& [flag, name] : kFlags)
+        if (scope.flags & flag) flags.push_back(name);
+    return {{"kind", KindOf(scope)},
+            {"text", WideToUtf8(scope.text)},
+            {"pattern", WideToUtf8(scope.pattern)},
+            {"flags", flags}};
+}
+
 }  // namespace
 
 Json ToJson(const Action& action) {
@@ -38,5 +57,14 @@ Json ToJson(const Action& action) {
     // Of other folders the shell tells no sizes.
     if (action.amount && action.kind == ActionEmptyBin) json["bytes"] = action.amount->bytes;
     if (action.left) json["left"] = {{"count", action.left->items}, {"bytes", action.left->bytes}};
+    return json;
+}
+
+Json ToJson(const RuleDetails& details) {
+    Json json = {{"scopes", Json::array()}, {"actions", Json::array()}};
+    for (const Scope& scope : details.scopes)
+        json["scopes"].push_back(ToJson(scope));
+    for (const Action& action : details.actions)
+        json["actions"].push_back(ToJson(action));
     return json;
 }

@@ -10,3 +10,5 @@
 using Json = nlohmann::ordered_json;
 
 Json ToJson(const Action& action);
+// The lists "scopes" and "actions".
+Json ToJson(const RuleDetails& details);
