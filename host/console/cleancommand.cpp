@@ -113,7 +113,11 @@ ExitStatus CCleanJob::Run() {
     const ExitStatus status = Gather(m_engine, m_console, m_cancel, listItems);
     m_work = CWorkList(*m_engine);
     if (!m_options.json) ShowFound(listItems);
-    if (status != ExitStatus::Done || m_options.dryRun || Work().empty()) return Leave(status);
+    if (status != ExitStatus::Done || m_options.dryRun) return Leave(status);
+    if (Work().empty()) {
+        if (!m_options.json) m_console.out.Line(Text(IDS_NOTHING_TO_DO));
+        return Leave(status);
+    }
     if (const auto disagreed = Agree()) return Leave(*disagreed);
     return Clean();
 }
@@ -126,10 +130,7 @@ std::wstring CCleanJob::Work() const {
 
 void CCleanJob::ShowFound(bool listItems) {
     PrintFound(m_console.out, CollectResult(m_engine, m_work, nullptr, /*withItems=*/false), m_work, listItems);
-    if (m_options.dryRun)
-        m_console.out.Line(Text(IDS_DRY_RUN));
-    else if (Work().empty())
-        m_console.out.Line(Text(IDS_NOTHING_TO_DO));
+    if (m_options.dryRun) m_console.out.Line(Text(IDS_DRY_RUN));
 }
 
 bool CCleanJob::UserAgrees() {

@@ -128,7 +128,7 @@ TEST_F(Dsw, ListsTheTreeWithThePathsToSelectBy) {
               "    [ ] Fort (not present)   Système/Fort\n"
               "        [x] */<U+001B>Again  Système/Fort/--<U+001B>Again\n"
               "        [x] ?/<U+001B>again  Système/Fort/--<U+001B>again#2\n");
-    // The boxes, with those of the rules. What is off comes on only when it is named; an absent application stays selected.
+    // All boxes. What is off comes on only when it is named; an absent application stays selected.
     const std::pair<const wchar_t*, const char*> rows[] = {
         {L"--all --deselect */da", "-    xxxx"},
         {L"--deselect */da --all", "xxxxxxxxx"},
