@@ -14,7 +14,7 @@ std::optional<Amount> AmountOf(const GarbageAction& action) {
     return Amount{action.Items, action.Bytes};
 }
 
-class CDetailCollector final : public IGarbageInfo::IDetailVisitor {
+class CDetailCollector final : public IGarbageInfo::IExplanationVisitor {
 public:
     explicit CDetailCollector(RuleDetails& details) noexcept : m_details(details) {}
 
