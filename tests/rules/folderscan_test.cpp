@@ -70,6 +70,7 @@ TEST_F(FolderScan, FindsInOrderWhatTheRuleSays) {
         RecordingRule rule;
         EXPECT_TRUE(rule.Load(test.attributes, test.children) && rule.Gather());
         EXPECT_THAT(Listed(rule), ElementsAreArray(Split(test.found, L" "))) << test.attributes << test.children;
+        EXPECT_TRUE(rule.Gather() && rule.GetTotalCount() == Listed(rule).size()) << "each scan adds up from zero";
     }
 }
 
