@@ -217,7 +217,7 @@ TEST_F(Download, TheLibrarysOneObjectAndTheSlots) {
     const auto get = reinterpret_cast<IInternetFileProc* (*)()>(
         reinterpret_cast<void*>(GetProcAddress(library, "GetInetFileProcImp")));
     ASSERT_TRUE(get);
-    const IatPatch patch = Patch("GetModuleFileNameW", TellExecutable, library);
+    const IatPatch patch(library, nullptr, "GetModuleFileNameW", reinterpret_cast<const void*>(&TellExecutable));
     IInternetFileProc* update = get();
     EXPECT_TRUE(update->AddRef() == 2 && update->Release() == 1 && get() == update);
     EXPECT_EQ(update->Init(), kSuccess);

@@ -110,11 +110,6 @@ inline DWORD WINAPI TellExecutable(HMODULE, LPWSTR buffer, DWORD size) {
     return static_cast<DWORD>(g_executable.copy(buffer, size));
 }
 
-template <class Function>
-IatPatch Patch(const char* name, Function* replacement, HMODULE module = nullptr) {
-    return {module, nullptr, name, reinterpret_cast<const void*>(replacement)};
-}
-
 // Real WinINet and a real server; the INI file lies in the temporary folder. Every internet handle must be closed.
 class UpdateTest : public testing::Test {
 protected:
@@ -147,12 +142,12 @@ protected:
     CReference<CInternetFileProc> m_update{new CInternetFileProc};
 
 private:
-    IatPatch m_patches[8] = {Patch("InternetSetFilePointer", TellSize),
-                             Patch("InternetOpenW", OpenRootHandle),
-                             Patch("InternetOpenUrlW", OpenRequest),
-                             Patch("InternetCloseHandle", CloseInternetHandle),
-                             Patch("InternetQueryOptionW", QueryOption),
-                             Patch("InternetQueryDataAvailable", QueryAvailable),
-                             Patch("InternetReadFile", Read),
-                             Patch("GetModuleFileNameW", TellExecutable)};
+    const IatPatch m_patches[8] = {{"InternetSetFilePointer", TellSize},
+                                   {"InternetOpenW", OpenRootHandle},
+                                   {"InternetOpenUrlW", OpenRequest},
+                                   {"InternetCloseHandle", CloseInternetHandle},
+                                   {"InternetQueryOptionW", QueryOption},
+                                   {"InternetQueryDataAvailable", QueryAvailable},
+                                   {"InternetReadFile", Read},
+                                   {"GetModuleFileNameW", TellExecutable}};
 };
