@@ -152,11 +152,11 @@ TEST_F(Dsw, LooksWithoutDeletingAndWithoutControlCharacters) {
     const std::wstring shown = m_folder / L"junk\\ünter\\日本 <U+202E>и.tmp";
     EXPECT_EQ(Run(L"clean --items --dry-run --allow C:\\ " + Rules()), 0U) << m_err;
     EXPECT_EQ(m_out, "Da: 临时文件\n    found  " + WideToUtf8(shown) + "  2000\n"
-"Found               items        size            bytes\n"
-              "  Système               1      1.9 KB            2,000\n"
-              "    Da                  1      1.9 KB            2,000\n"
-              "      临时文件          1      1.9 KB            2,000\n"
-              "  Total                 1      1.9 KB            2,000\n"
+              "Found               items    actions        size            bytes\n"
+              "  Système               1          0      1.9 KB            2,000\n"
+              "    Da                  1          0      1.9 KB            2,000\n"
+              "      临时文件          1          0      1.9 KB            2,000\n"
+              "  Total                 1          0      1.9 KB            2,000\n"
               "Found 1 item, 1.9 KB (2,000 bytes).\nA dry run: nothing was deleted.\n");
     EXPECT_EQ(Run(L"gather --allow C:\\none --allow C:\\no " + Rules()), 0U);
     EXPECT_THAT(m_out, HasSubstr("\nFound 0 items, 0 bytes.\n"));
